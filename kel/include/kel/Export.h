@@ -1,0 +1,13 @@
+/// @file kel/Export.h
+/// Marks what the base library exports; everything else stays hidden.
+#pragma once
+
+#if defined(_WIN32)
+#if defined(KEL_BUILDING)
+#define KEL_API __declspec(dllexport)
+#else
+#define KEL_API __declspec(dllimport)
+#endif
+#else
+#define KEL_API __attribute__((visibility("default")))
+#endif

@@ -1,0 +1,12 @@
+/// @file kel/Int64.h
+/// 64-bit integers under the same name on every platform.
+#pragma once
+
+#include <cstdint>
+
+namespace kel {
+
+using int64 = std::int64_t;
+using uint64 = std::uint64_t;
+
+} // namespace kel
