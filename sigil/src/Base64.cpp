@@ -1,0 +1,29 @@
+#include "sigil/Base64.h"
+
+#include <algorithm>
+#include <new>
+#include <string>
+
+#include <openssl/evp.h>
+
+namespace sigil {
+
+kel::String base64Encode(const void* data, std::size_t size) {
+    // OpenSSL counts in int; whole groups of three bytes keep the padding to the last part.
+    constexpr std::size_t partSize = 3 * 16 * 1024;
+    std::string text;
+    if (size > text.max_size() / 4 * 3 - 3) throw std::bad_alloc();
+    text.resize((size + 2) / 3 * 4);
+
+    const auto* bytes = static_cast<const unsigned char*>(data);
+    // OpenSSL ends each part with a NUL, which the next part overwrites; the last is that of the string
+    // itself.
+    auto* out = reinterpret_cast<unsigned char*>(text.data());
+    for (std::size_t done = 0; done < size; done += partSize) {
+        const int part = static_cast<int>(std::min(partSize, size - done));
+        out += EVP_EncodeBlock(out, bytes + done, part);
+    }
+    return kel::String::fromLatin1(text);
+}
+
+} // namespace sigil
