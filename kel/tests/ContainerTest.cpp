@@ -248,4 +248,23 @@ TEST(Map, CanBeShared) {
     EXPECT_EQ(second->lookup("a"), 1);
 }
 
+TEST(Map, EntryMovesToAnotherMapWithItsMemory) {
+    IntMap from{{"a", 1}, {"b", 2}};
+    IntMap to{{"c", 3}};
+    const int* const value = &from.find("a")->second;
+    auto node = from.extract("a");
+    ASSERT_FALSE(node.empty());
+    EXPECT_FALSE(from.contains("a"));
+    EXPECT_EQ(&to.insert(std::move(node))->second, value);
+    EXPECT_EQ(to.lookup("a"), 1);
+    EXPECT_TRUE(from.extract("z").empty());
+
+    EXPECT_EQ(from.begin()->first, "b");
+    const auto hint = to.lower_bound("b");
+    ASSERT_EQ(hint->first, "c");
+    EXPECT_EQ(to.insert(hint, from.extract(from.begin()))->second, 2);
+    EXPECT_EQ(toEntries(to), (Entries{{"a", 1}, {"b", 2}, {"c", 3}}));
+    EXPECT_TRUE(from.empty());
+}
+
 } // namespace

@@ -23,6 +23,7 @@ public:
     using value_type = typename map_type::value_type;
     using iterator = typename map_type::iterator;
     using const_iterator = typename map_type::const_iterator;
+    using node_type = typename map_type::node_type;
 
     TMap() = default;
     TMap(std::initializer_list<value_type> items) : items_(items) {}
@@ -32,6 +33,8 @@ public:
     [[nodiscard]] bool contains(const K& key) const { return items_.find(key) != items_.end(); }
     iterator find(const K& key) { return items_.find(key); }
     const_iterator find(const K& key) const { return items_.find(key); }
+    /// The first entry whose key is not less than `key`.
+    iterator lower_bound(const K& key) { return items_.lower_bound(key); }
     iterator begin() noexcept { return items_.begin(); }
     iterator end() noexcept { return items_.end(); }
     const_iterator begin() const noexcept { return items_.begin(); }
@@ -51,6 +54,13 @@ public:
     std::pair<iterator, bool> try_emplace(K key, Args&&... args) {
         return items_.try_emplace(std::move(key), std::forward<Args>(args)...);
     }
+    /// Takes an entry out without giving its memory back; an empty node when there is none.
+    [[nodiscard]] node_type extract(const K& key) { return items_.extract(key); }
+    [[nodiscard]] node_type extract(const_iterator position) { return items_.extract(position); }
+    /// Puts an entry in that was taken out of such a map, unless its key is there; says where the key is.
+    iterator insert(node_type&& node) { return items_.insert(std::move(node)).position; }
+    /// The same, quick if the entry belongs right before `hint`.
+    iterator insert(const_iterator hint, node_type&& node) { return items_.insert(hint, std::move(node)); }
     std::size_t erase(const K& key) { return items_.erase(key); }
     iterator erase(const_iterator position) { return items_.erase(position); }
     void clear() noexcept { items_.clear(); }

@@ -1,0 +1,62 @@
+# The product. Its objects are compiled once, for the shared library and for the unit tests, which also reach what
+# the library does not export.
+
+if(WIN32)
+    set(VANTRA_PROXY_SOURCES proxy/windows/SystemProxy.cpp)
+else()
+    set(VANTRA_PROXY_SOURCES proxy/posix/GSettings.cpp proxy/posix/SystemProxy.cpp)
+endif()
+
+add_library(vantra_objects OBJECT
+    async/AsyncNetRequestManager.cpp
+    async/AsyncNetRequestThread.cpp
+    foundation/CURLError.cpp
+    foundation/GlobalInit.cpp
+    foundation/RootCertBundle.cpp
+    http/HeaderAssembler.cpp
+    http/HeaderValues.cpp
+    http/HTTPContentRange.cpp
+    http/HTTPStatusLine.cpp
+    http/NetHeaders.cpp
+    http/NetStringList.cpp
+    http/ServerInfo.cpp
+    http/URLEncoding.cpp
+    proxy/DesktopProxy.cpp
+    proxy/ProxySettings.cpp
+    ${VANTRA_PROXY_SOURCES}
+    request/NetRequest.cpp
+    request/NetRequestAsync.cpp
+    request/NetRequestCallbacks.cpp
+    request/NetRequestData.cpp
+    request/NetRequestErrors.cpp
+    request/NetRequestEscape.cpp
+    request/NetRequestPerform.cpp
+    request/NetRequestResponseLines.cpp
+    request/NetRequestSettings.cpp
+    request/NetRequestVerboseLog.cpp)
+configure_file(include/vantra/Version.h.in ${CMAKE_BINARY_DIR}/include/vantra/Version.h @ONLY)
+target_compile_definitions(vantra_objects PRIVATE VANTRA_BUILDING)
+target_include_directories(vantra_objects
+    PUBLIC
+        $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include>
+        $<BUILD_INTERFACE:${CMAKE_BINARY_DIR}/include>
+    PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+target_link_libraries(vantra_objects PUBLIC kel CURL::libcurl PRIVATE sigil vantra_warnings)
+if(WIN32)
+    target_link_libraries(vantra_objects PUBLIC winhttp)
+else()
+    target_link_libraries(vantra_objects PUBLIC ${CMAKE_DL_LIBS})
+endif()
+set_target_properties(vantra_objects PROPERTIES POSITION_INDEPENDENT_CODE ON)
+
+# The version script keeps instantiations of other libraries' templates from being exported along with ours.
+add_library(vantra SHARED)
+target_link_libraries(vantra PRIVATE vantra_objects sigil PUBLIC kel CURL::libcurl)
+target_include_directories(vantra PUBLIC
+    $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include>
+    $<BUILD_INTERFACE:${CMAKE_BINARY_DIR}/include>)
+set_target_properties(vantra PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+if(NOT WIN32)
+    target_link_options(vantra PRIVATE -Wl,--version-script=${CMAKE_CURRENT_SOURCE_DIR}/cmake/vantra.map)
+    set_target_properties(vantra PROPERTIES LINK_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/cmake/vantra.map)
+endif()

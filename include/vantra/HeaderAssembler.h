@@ -1,0 +1,62 @@
+/// @file vantra/HeaderAssembler.h
+/// Turns received header lines into a map.
+#pragma once
+
+#include "vantra/Export.h"
+#include "vantra/ServerInfo.h"
+
+#include <kel/Base.h>
+#include <kel/Map.h>
+#include <kel/P.h>
+#include <kel/String.h>
+
+#include <string_view>
+#include <vector>
+
+namespace vantra {
+
+/// Collects the header lines of one response after another. The map goes from lower-cased name to value;
+/// repeated headers are joined with ",", folded continuation lines (RFC 9112 §5.2) with a blank. Status lines
+/// are not its business; reset() starts the next response.
+///
+/// Thread safety: one thread at a time.
+class VANTRA_API CHeaderAssembler : public kel::CBase {
+public:
+    CHeaderAssembler();
+    CHeaderAssembler(const CHeaderAssembler&);
+    CHeaderAssembler(CHeaderAssembler&&) noexcept;
+    CHeaderAssembler& operator=(const CHeaderAssembler&);
+    CHeaderAssembler& operator=(CHeaderAssembler&&) noexcept;
+    ~CHeaderAssembler() override;
+
+    /// Takes one line, its CR LF included. The line "\r\n" completes the block: the server record is told,
+    /// and further lines are ignored until reset().
+    /// @throws kel::CInvalidArgError as CNetHeaders::splitEntry; kel::CError "Error parsing HTTP header:
+    /// first line starts with whitespace." What was stored before stays.
+    void handleHeaderLine(const kel::String& line);
+
+    /// Forgets the headers, not the server record.
+    void reset();
+
+    [[nodiscard]] kel::TMap<kel::String, kel::String>& getHeaderMap() noexcept { return headerMap_; }
+    [[nodiscard]] const kel::TMap<kel::String, kel::String>& getHeaderMap() const noexcept {
+        return headerMap_;
+    }
+
+    /// The record to update whenever a block is complete, or null; a reference is kept.
+    void setServerInfoToUpdate(CServerInfo* info);
+
+private:
+    void addHeader(std::wstring_view line);
+    kel::String& getLastHeaderValue();
+    void continueLastHeader(std::wstring_view continuation);
+
+    kel::TMap<kel::String, kel::String> headerMap_;
+    kel::String lastHeaderName_; // lower-cased; empty at the start of a block
+    bool headerComplete_ = false;
+    kel::P<CServerInfo> serverInfoToUpdate_;
+    // Entries of earlier responses, whose memory serves the next one. Not part of the value: not copied.
+    std::vector<kel::TMap<kel::String, kel::String>::node_type> spareEntries_;
+};
+
+} // namespace vantra
