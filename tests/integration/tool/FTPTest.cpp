@@ -1,0 +1,97 @@
+#include "Tool.h"
+
+#include "support/ScriptedServer.h"
+
+#include <gmock/gmock.h>
+
+using namespace testsupport;
+using namespace tooltest;
+using testing::IsEmpty;
+
+namespace {
+
+/// An FTP server's side of the conversation up to the transfer itself.
+Script ftpScript(const std::string& user, const std::string& password, std::uint16_t dataPort) {
+    return Script()
+        .send("220 ready\r\n")
+        .expectLine("USER " + user)
+        .send("331 password, please\r\n")
+        .expectLine("PASS " + password)
+        .send("230 come in\r\n")
+        .expectLine("PWD")
+        .send("257 \"/\" is here\r\n")
+        .expectLine("EPSV")
+        .send("229 Entering Extended Passive Mode (|||" + std::to_string(dataPort) + "|)\r\n")
+        .expectLine("TYPE I")
+        .send("200 binary\r\n");
+}
+
+std::string ftpURL(const ScriptedServer& server, const std::string& login = "") {
+    return "ftp://" + login + "127.0.0.1:" + std::to_string(server.port()) + "/file.bin";
+}
+
+} // namespace
+
+TEST(ToolFTP, FetchesAFile) {
+    ScriptedServer data;
+    data.play(Script().send(std::string("ftp\0\n", 5)).close());
+    ScriptedServer server;
+    server.play(ftpScript("me", "secret", data.port())
+                    .expectLine("SIZE file.bin")
+                    .send("213 5\r\n")
+                    .expectLine("RETR file.bin")
+                    .send("150 here it comes\r\n")
+                    .send("226 done\r\n")
+                    .expectLine("QUIT")
+                    .send("221 bye\r\n"));
+    EXPECT_EQ(runTool({"get", "--user", "me", "--password", "secret", ftpURL(server)}),
+              succeeded(std::string("ftp\0\n", 5)));
+    EXPECT_THAT(server.finish(), IsEmpty());
+    EXPECT_THAT(data.finish(), IsEmpty());
+}
+
+TEST(ToolFTP, TellsTheServersReplyWhenThereIsNoFile) {
+    ScriptedServer data;
+    data.play(Script().stall());
+    ScriptedServer server;
+    server.play(ftpScript("anonymous", "ftp@example.com", data.port())
+                    .expectLine("SIZE file.bin")
+                    .send("550 file.bin:\x1b[1m gone\r\n")
+                    .expectLine("QUIT")
+                    .send("221 bye\r\n"));
+    EXPECT_EQ(runTool({"get", ftpURL(server)}),
+              failed(ftpURL(server) +
+                     ": Remote file not found: The file does not exist (response code: ftp 550): "
+                     "550 file.bin:\xEF\xBF\xBD[1m gone"));
+}
+
+TEST(ToolFTP, TellsTheServersReplyWhenTheFileCannotBeRead) {
+    ScriptedServer data;
+    data.play(Script().stall());
+    ScriptedServer server;
+    server.play(ftpScript("anonymous", "ftp@example.com", data.port())
+                    .expectLine("SIZE file.bin")
+                    .send("213 5\r\n")
+                    .expectLine("RETR file.bin")
+                    .send("450 file.bin: locked\r\n")
+                    .expectLine("QUIT")
+                    .send("221 bye\r\n"));
+    EXPECT_EQ(runTool({"get", ftpURL(server)}),
+              failed(ftpURL(server) +
+                     ": FTP: couldn't retrieve (RETR failed) the specified file: RETR response: 450 "
+                     "(response code: ftp 450): 450 file.bin: locked"));
+}
+
+TEST(ToolFTP, TellsTheServersReplyWhenTheLoginIsRefused) {
+    ScriptedServer server;
+    server.play(Script()
+                    .send("220 ready\r\n")
+                    .expectLine("USER me")
+                    .send("331 password, please\r\n")
+                    .expectLine("PASS wrong")
+                    .send("530 Login incorrect.\r\n")
+                    .stall());
+    EXPECT_EQ(runTool({"get", ftpURL(server, "me:wrong@")}),
+              failed(ftpURL(server) +
+                     ": Login denied: Access denied: 530 (response code: ftp 530): 530 Login incorrect."));
+}

@@ -1,0 +1,103 @@
+#include "Tool.h"
+
+#include "support/ChildProcess.h"
+#include "support/FileDescriptor.h"
+#include "support/ScriptedServer.h"
+#include "support/TempDir.h"
+#include "support/Wait.h"
+
+#include <gmock/gmock.h>
+
+#include <csignal>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
+
+using namespace testsupport;
+using namespace tooltest;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+constexpr std::chrono::seconds waitLimit{20};
+constexpr const char* half = "HTTP/1.1 200 OK\r\nContent-Length: 8\r\n\r\nhalf";
+
+ChildOptions toolOptions() {
+    ChildOptions options;
+    options.environment = toolEnvironment();
+    return options;
+}
+
+/// A named pipe which this process keeps open and does not read.
+class UnreadPipe {
+public:
+    explicit UnreadPipe(const std::string& path) {
+        if (mkfifo(path.c_str(), 0600) != 0) throwErrno("make a pipe");
+        end_ = checkedDescriptor(open(path.c_str(), O_RDWR | O_CLOEXEC), "open a pipe");
+    }
+
+    bool isFull() const {
+        pollfd query{end_.get(), POLLOUT, 0};
+        return poll(&query, 1, 0) == 0;
+    }
+
+private:
+    FileDescriptor end_;
+};
+
+bool isSleeping(pid_t process) {
+    const std::string status = readWholeFile("/proc/" + std::to_string(process) + "/stat");
+    return status.find(") S ") != std::string::npos;
+}
+
+} // namespace
+
+TEST(ToolInterrupt, RemovesWhatWasWrittenAndEndsByTheSignal) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        ScriptedServer server;
+        server.play(Script().expectRequest().send(half).stall());
+        TempDir folder;
+        ChildProcess tool({toolPath(), "get", "-o", folder.file("out"), server.url()}, toolOptions());
+        ASSERT_TRUE(server.waitForRequests(1));
+        ASSERT_EQ(filesIn(folder.path()).size(), 1U);
+
+        kill(tool.pid(), signal);
+        ASSERT_TRUE(waitUntil([&] { return !tool.isRunning(); }, waitLimit));
+        EXPECT_EQ(tool.exitStatus(), 128 + signal);
+        EXPECT_EQ(tool.output(), "");
+        EXPECT_THAT(filesIn(folder.path()), IsEmpty());
+        EXPECT_THAT(server.finish(), IsEmpty());
+    }
+}
+
+TEST(ToolInterrupt, WorksWhileNobodyTakesTheOutput) {
+    ScriptedServer server;
+    server.play(Script().expectRequest().send("HTTP/1.1 200 OK\r\n\r\n" + std::string(1 << 20, 'x')).stall());
+    TempDir folder;
+    const UnreadPipe pipe(folder.file("pipe"));
+    ChildProcess tool(
+        {"bash", "-c", "exec \"$TOOL\" get \"$1\" > \"$2\"", "bash", server.url(), folder.file("pipe")},
+        toolOptions());
+    ASSERT_TRUE(waitUntil([&] { return pipe.isFull() && isSleeping(tool.pid()); }, waitLimit));
+
+    kill(tool.pid(), SIGTERM);
+    ASSERT_TRUE(waitUntil([&] { return !tool.isRunning(); }, waitLimit));
+    EXPECT_EQ(tool.exitStatus(), 128 + SIGTERM);
+    EXPECT_EQ(tool.output(), "");
+}
+
+TEST(ToolInterrupt, IsIgnoredWhereTheCallerWantsItSo) {
+    ScriptedServer server;
+    const auto latch = std::make_shared<Latch>();
+    server.play(Script().expectRequest().send(half).waitFor(latch).send("done"));
+    ChildProcess tool({"bash", "-c", "trap '' HUP; exec \"$TOOL\" get \"$1\"", "bash", server.url()},
+                      toolOptions());
+    ASSERT_TRUE(waitUntil([&] { return tool.output() == "half"; }, waitLimit));
+    kill(tool.pid(), SIGHUP);
+    latch->release();
+    ASSERT_TRUE(waitUntil([&] { return !tool.isRunning(); }, waitLimit));
+    EXPECT_EQ(tool.exitStatus(), 0);
+    EXPECT_EQ(tool.output(), "halfdone");
+}

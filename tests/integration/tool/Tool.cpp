@@ -1,0 +1,74 @@
+#include "Tool.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <filesystem>
+
+namespace tooltest {
+
+namespace {
+
+std::string asLine(std::string_view message) { return "vantra: " + std::string(message) + "\n"; }
+
+Outcome run(const std::vector<std::string>& command, std::string_view standardInput) {
+    testsupport::CommandOptions options;
+    options.environment = toolEnvironment();
+    const testsupport::CommandResult result = testsupport::runCommand(command, standardInput, options);
+    return {result.exitStatus, result.standardOutput, result.standardError};
+}
+
+} // namespace
+
+void PrintTo(const Outcome& outcome, std::ostream* stream) {
+    *stream << "exit status " << outcome.exitStatus << ", output " << testing::PrintToString(outcome.output)
+            << ", error " << testing::PrintToString(outcome.error);
+}
+
+Outcome succeeded(std::string_view output) { return {0, std::string(output), ""}; }
+
+Outcome failed(std::string_view message) { return failedAfter("", message); }
+
+Outcome failedAfter(std::string_view output, std::string_view message) {
+    return {1, std::string(output), asLine(message)};
+}
+
+Outcome refused(std::string_view message) { return {2, "", asLine(message)}; }
+
+std::string toolPath() { return VANTRA_COMMAND; }
+
+testsupport::Environment toolEnvironment() {
+    testsupport::Environment environment;
+    for (const char* variable : {"http_proxy", "https_proxy", "ftp_proxy", "all_proxy", "no_proxy",
+                                 "HTTP_PROXY", "HTTPS_PROXY", "FTP_PROXY", "ALL_PROXY", "NO_PROXY"})
+        environment[variable] = std::nullopt;
+    environment["TOOL"] = toolPath();
+    return environment;
+}
+
+Outcome runTool(const std::vector<std::string>& arguments, std::string_view standardInput) {
+    std::vector<std::string> command{toolPath()};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return run(command, standardInput);
+}
+
+Outcome runScript(const std::string& script, const std::vector<std::string>& arguments) {
+    std::vector<std::string> command{"bash", "-c", script, "bash"};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return run(command, {});
+}
+
+testsupport::NginxServer& webServer() {
+    static testsupport::NginxServer server;
+    return server;
+}
+
+std::vector<std::string> filesIn(const std::string& folder) {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        names.push_back(entry.path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+} // namespace tooltest

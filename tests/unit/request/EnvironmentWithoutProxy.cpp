@@ -1,0 +1,21 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+namespace {
+
+/// libcurl would send the requests of the tests to the proxy of whoever runs them.
+class EnvironmentWithoutProxy : public testing::Environment {
+public:
+    void SetUp() override {
+        for (const char* variable : {"http_proxy", "HTTP_PROXY", "https_proxy", "HTTPS_PROXY", "ftp_proxy",
+                                     "FTP_PROXY", "all_proxy", "ALL_PROXY", "no_proxy", "NO_PROXY"}) {
+            unsetenv(variable);
+        }
+    }
+};
+
+const testing::Environment* const environment =
+    testing::AddGlobalTestEnvironment(new EnvironmentWithoutProxy());
+
+} // namespace

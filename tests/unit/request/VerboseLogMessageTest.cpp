@@ -1,0 +1,173 @@
+#include "VerboseLogFixture.h"
+
+#include "vantra/NetRequest.h"
+
+#include <gtest/gtest.h>
+
+namespace vantra::test {
+
+namespace {
+
+using VerboseLogMessage = VerboseLog;
+
+// One message
+
+TEST_F(VerboseLogMessage, NamesEachKindOfMessage) {
+    setSettings(3, 3);
+    EXPECT_EQ(render(CURLINFO_TEXT, "a b"), "info [T] a b");
+    EXPECT_EQ(render(CURLINFO_HEADER_IN, "a b"), "receive [type=header T] a b");
+    EXPECT_EQ(render(CURLINFO_HEADER_OUT, "a b"), "send [type=header T] a b");
+    EXPECT_EQ(render(CURLINFO_DATA_IN, "a b"), "receive [type=data T bytes=3] a%20b");
+    EXPECT_EQ(render(CURLINFO_DATA_OUT, "a b"), "send [type=data T bytes=3] a%20b");
+    EXPECT_EQ(render(CURLINFO_SSL_DATA_IN, "a b"), "receive [type=ssl_data T bytes=3] a%20b");
+    EXPECT_EQ(render(CURLINFO_SSL_DATA_OUT, "a b"), "send [type=ssl_data T bytes=3] a%20b");
+    EXPECT_EQ(render(CURLINFO_END, "a b"), "unknown [T bytes=3] a%20b");
+}
+
+TEST_F(VerboseLogMessage, ShowsSizesAloneWithoutTheContentBit) {
+    setSettings(2, 2);
+    EXPECT_EQ(render(CURLINFO_TEXT, "a b"), "info [T] a b");
+    EXPECT_EQ(render(CURLINFO_HEADER_IN, "a b"), "receive [type=header T] a b");
+    EXPECT_EQ(render(CURLINFO_HEADER_OUT, "a b"), "send [type=header T] a b");
+    EXPECT_EQ(render(CURLINFO_DATA_IN, "a b"), "receive [type=data T bytes=3] ~stripped~");
+    EXPECT_EQ(render(CURLINFO_DATA_OUT, "a b"), "send [type=data T bytes=3] ~stripped~");
+    EXPECT_EQ(render(CURLINFO_SSL_DATA_IN, "a b"), "receive [type=ssl_data T bytes=3] ~stripped~");
+    EXPECT_EQ(render(CURLINFO_SSL_DATA_OUT, "a b"), "send [type=ssl_data T bytes=3] ~stripped~");
+    EXPECT_EQ(render(CURLINFO_END, "a b"), "unknown [T bytes=3] a%20b");
+}
+
+TEST_F(VerboseLogMessage, HasSettingsOfTheirOwnForBodiesAndTLS) {
+    setSettings(2, 3);
+    EXPECT_EQ(render(CURLINFO_DATA_IN, "a b"), "receive [type=data T bytes=3] ~stripped~");
+    EXPECT_EQ(render(CURLINFO_SSL_DATA_IN, "a b"), "receive [type=ssl_data T bytes=3] a%20b");
+    setSettings(3, 2);
+    EXPECT_EQ(render(CURLINFO_DATA_OUT, "a b"), "send [type=data T bytes=3] a%20b");
+    EXPECT_EQ(render(CURLINFO_SSL_DATA_OUT, "a b"), "send [type=ssl_data T bytes=3] ~stripped~");
+}
+
+TEST_F(VerboseLogMessage, OnlyLooksAtTheContentBitOfOtherSettings) {
+    for (const int setting : {0, 2, 6, 8}) {
+        setSettings(setting, setting);
+        EXPECT_EQ(render(CURLINFO_DATA_IN, "ab"), "receive [type=data T bytes=2] ~stripped~") << setting;
+        EXPECT_EQ(render(CURLINFO_SSL_DATA_IN, "ab"), "receive [type=ssl_data T bytes=2] ~stripped~")
+            << setting;
+    }
+    for (const int setting : {1, 3, 5, 7}) {
+        setSettings(setting, setting);
+        EXPECT_EQ(render(CURLINFO_DATA_IN, "ab"), "receive [type=data T bytes=2] ab") << setting;
+        EXPECT_EQ(render(CURLINFO_SSL_DATA_IN, "ab"), "receive [type=ssl_data T bytes=2] ab") << setting;
+    }
+    setSettings(3, 4);
+    EXPECT_EQ(render(CURLINFO_SSL_DATA_IN, "ab"), "receive [type=ssl_data T bytes=2] ~stripped~");
+}
+
+TEST_F(VerboseLogMessage, ShowsTheFirstFourOfTenBytes) {
+    setSettings(3, 2);
+    EXPECT_EQ(render(CURLINFO_DATA_IN, "a b/efghij", 4), "receive [type=data T bytes=10] a%20b%2F...");
+}
+
+TEST_F(VerboseLogMessage, MarksACutAfterTheStrippedTextToo) {
+    setSettings(2, 2);
+    EXPECT_EQ(render(CURLINFO_DATA_IN, "0123456789", 9), "receive [type=data T bytes=10] ~stripped~...");
+    EXPECT_EQ(render(CURLINFO_DATA_IN, "0123456789", 10), "receive [type=data T bytes=10] ~stripped~");
+    EXPECT_EQ(render(CURLINFO_SSL_DATA_OUT, "0123456789", 9),
+              "send [type=ssl_data T bytes=10] ~stripped~...");
+}
+
+TEST_F(VerboseLogMessage, CutsHeadersAndTextsToo) {
+    EXPECT_EQ(render(CURLINFO_TEXT, "0123456789", 4), "info [T] 0123...");
+    EXPECT_EQ(render(CURLINFO_HEADER_IN, "0123456789", 4), "receive [type=header T] 0123...");
+    EXPECT_EQ(render(CURLINFO_TEXT, "0123456789", 0), "info [T] ...");
+    EXPECT_EQ(render(CURLINFO_TEXT, "0123456789", 10), "info [T] 0123456789");
+    EXPECT_EQ(render(CURLINFO_TEXT, "", 0), "info [T] ");
+    EXPECT_EQ(render(CURLINFO_TEXT, "0123456789", 4294967295U), "info [T] 0123456789");
+}
+
+TEST_F(VerboseLogMessage, TrimsWhiteSpaceAtTheEndAlone) {
+    EXPECT_EQ(render(CURLINFO_TEXT, " \t text \t\r\n"), "info [T]  \t text");
+    EXPECT_EQ(render(CURLINFO_HEADER_IN, "HTTP/1.1 200 OK\r\n"), "receive [type=header T] HTTP/1.1 200 OK");
+    EXPECT_EQ(render(CURLINFO_TEXT, "text  more", 6), "info [T] text  ...");
+    setSettings(3, 3);
+    EXPECT_EQ(render(CURLINFO_DATA_IN, "a \n"), "receive [type=data T bytes=3] a%20%0A");
+}
+
+TEST_F(VerboseLogMessage, ReadsBytesAsLatin1) {
+    EXPECT_EQ(render(CURLINFO_TEXT, "caf\xE9"), "info [T] café");
+    EXPECT_EQ(render(CURLINFO_HEADER_IN, "X: \xC3\xA4"), "receive [type=header T] X: Ã¤");
+    setSettings(3, 3);
+    EXPECT_EQ(render(CURLINFO_DATA_IN, std::string_view("\0\x7F\xE9\xFF-_.~", 8)),
+              "receive [type=data T bytes=8] %00%7F%C3%A9%C3%BF-_.~");
+}
+
+// Credentials
+
+TEST_F(VerboseLogMessage, StripsTheValueOfAnAuthorizationHeader) {
+    EXPECT_EQ(
+        render(CURLINFO_HEADER_OUT, "GET / HTTP/1.1\r\nAuthorization: Basic c2VjcmV0\r\nAccept: */*\r\n\r\n"),
+        "send [type=header T] GET / HTTP/1.1\r\nAuthorization: ~stripped~\nAccept: */*");
+    EXPECT_EQ(render(CURLINFO_HEADER_IN, "Authorization: Basic c2VjcmV0\r\n"),
+              "receive [type=header T] Authorization: ~stripped~");
+}
+
+TEST_F(VerboseLogMessage, StripsItInAnyCaseAndForAProxy) {
+    EXPECT_EQ(render(CURLINFO_HEADER_OUT, "authorization: Bearer s\r\nA: b\r\n"),
+              "send [type=header T] authorization: ~stripped~\nA: b");
+    EXPECT_EQ(render(CURLINFO_HEADER_OUT, "AUTHORIZATION: Bearer s\r\nA: b\r\n"),
+              "send [type=header T] AUTHORIZATION: ~stripped~\nA: b");
+    EXPECT_EQ(render(CURLINFO_HEADER_OUT, "Proxy-Authorization: Basic s\r\nA: b\r\n"),
+              "send [type=header T] Proxy-Authorization: ~stripped~\nA: b");
+    EXPECT_EQ(render(CURLINFO_HEADER_OUT, "proxy-AuthoriZation: Basic s\r\nA: b\r\n"),
+              "send [type=header T] proxy-AuthoriZation: ~stripped~\nA: b");
+}
+
+TEST_F(VerboseLogMessage, StripsEveryOccurrence) {
+    EXPECT_EQ(render(CURLINFO_HEADER_OUT, "Proxy-Authorization: Basic p\r\nA: b\r\nAuthorization: Basic s\r\n"
+                                          "authorization: Basic t\r\nC: d\r\n\r\n"),
+              "send [type=header T] Proxy-Authorization: ~stripped~\nA: b\r\nAuthorization: ~stripped~\n"
+              "authorization: ~stripped~\nC: d");
+}
+
+TEST_F(VerboseLogMessage, StripsItHoweverTheValueIsSetOff) {
+    EXPECT_EQ(render(CURLINFO_HEADER_OUT, "Authorization:Basic s\r\nA: b"),
+              "send [type=header T] Authorization:~stripped~\nA: b");
+    EXPECT_EQ(render(CURLINFO_HEADER_OUT, "Authorization: \t Basic s\r\nA: b"),
+              "send [type=header T] Authorization: \t ~stripped~\nA: b");
+}
+
+TEST_F(VerboseLogMessage, StripsToTheEndWhereNoLineBreakFollows) {
+    EXPECT_EQ(render(CURLINFO_HEADER_OUT, "Authorization: Basic secret"),
+              "send [type=header T] Authorization: ~stripped~");
+    EXPECT_EQ(render(CURLINFO_HEADER_OUT, "Authorization: s"),
+              "send [type=header T] Authorization: ~stripped~");
+}
+
+TEST_F(VerboseLogMessage, LeavesNothingOfACutValue) {
+    EXPECT_EQ(render(CURLINFO_HEADER_OUT, "Authorization: Basic c2VjcmV0\r\nA: b\r\n", 24),
+              "send [type=header T] Authorization: ~stripped~");
+    EXPECT_EQ(render(CURLINFO_HEADER_OUT, "Authorization: Basic c2VjcmV0\r\nA: b\r\n", 35),
+              "send [type=header T] Authorization: ~stripped~\nA: b...");
+}
+
+TEST_F(VerboseLogMessage, StripsNothingWhereThereIsNoValue) {
+    EXPECT_EQ(render(CURLINFO_HEADER_OUT, "Authorization: "), "send [type=header T] Authorization:");
+    EXPECT_EQ(render(CURLINFO_HEADER_OUT, "Authorization: \nA: b"),
+              "send [type=header T] Authorization: \nA: b");
+    EXPECT_EQ(render(CURLINFO_HEADER_OUT, "X-Authorized: yes"), "send [type=header T] X-Authorized: yes");
+}
+
+TEST_F(VerboseLogMessage, StripsItInInformationalTexts) {
+    EXPECT_EQ(render(CURLINFO_TEXT, "h2h3 [authorization: Basic c2VjcmV0]\n"),
+              "info [T] h2h3 [authorization: ~stripped~");
+    EXPECT_EQ(render(CURLINFO_TEXT, "[HTTP/2] [1] [proxy-authorization: Basic s]\n"),
+              "info [T] [HTTP/2] [1] [proxy-authorization: ~stripped~");
+}
+
+TEST_F(VerboseLogMessage, ShowsBodiesAsTheyAre) {
+    setSettings(3, 3);
+    EXPECT_EQ(render(CURLINFO_DATA_OUT, "Authorization: s"),
+              "send [type=data T bytes=16] Authorization%3A%20s");
+}
+
+} // namespace
+
+} // namespace vantra::test
