@@ -1,0 +1,94 @@
+#include "CommandLine.h"
+
+#include "GetCommand.h"
+#include "Interrupt.h"
+#include "Output.h"
+#include "TerminalText.h"
+
+#include <vantra/GlobalInit.h>
+#include <vantra/Version.h>
+
+#include <CLI/CLI.hpp>
+#include <curl/curl.h>
+
+#include <algorithm>
+#include <memory>
+#include <sstream>
+
+namespace vantra::tool {
+
+using kel::CError;
+using kel::String;
+
+namespace {
+
+std::string getVersionText() {
+    CGlobalInit::ensureInitialized();
+    return std::string("vantra ") + VANTRA_VERSION + "\n" + curl_version();
+}
+
+void configure(CLI::App& program) {
+    program.require_subcommand(0, 1); // that one is needed is said below, in better words
+    program.get_formatter()->label("SUBCOMMAND", "VERB");
+    program.set_version_flag("--version", &getVersionText,
+                             "Print the versions of vantra and libcurl and exit");
+    program.allow_windows_style_options(false); // "/x" is the same on every platform: no option
+    program.footer("The exit status is 0 on success, 1 on failure and 2 for arguments that cannot be right.\n"
+                   "vantra VERB --help tells a verb's options.");
+}
+
+/// Help and version come as exceptions too.
+void writeRequestedText(const CLI::App& program, const CLI::Success& request) {
+    std::ostringstream text;
+    (void)program.exit(request, text, text);
+    openOutput(std::nullopt)->write(text.str());
+}
+
+/// @throws CLI::ParseError as the parser does, CLI::Success included.
+void parseAndRun(CLI::App& program, std::vector<std::string> arguments) {
+    std::vector<std::unique_ptr<IVerb>> verbs;
+    verbs.push_back(std::make_unique<CGetCommand>(program));
+    std::reverse(arguments.begin(), arguments.end()); // the order in which the parser wants them
+    try {
+        program.parse(std::move(arguments));
+    } catch (const CLI::Success& request) {
+        writeRequestedText(program, request);
+        return;
+    } catch (const CLI::ParseError& error) {
+        throw CUsageError(String::fromUTF8Lax(error.what()));
+    }
+    const auto chosen =
+        std::find_if(verbs.begin(), verbs.end(), [](const auto& verb) { return verb->isChosen(); });
+    if (chosen == verbs.end()) throw CUsageError("no verb was given; vantra --help lists them");
+    (*chosen)->run();
+}
+
+ExitStatus fail(const String& message) {
+    if (isInterrupted()) endAsInterrupted();
+    writeMessage(message);
+    return ExitFailure;
+}
+
+} // namespace
+
+ExitStatus runCommandLine(std::vector<std::string> arguments) noexcept {
+    try {
+        CLI::App program("Transfers data over the network.", "vantra");
+        configure(program);
+        parseAndRun(program, std::move(arguments));
+        return ExitSuccess;
+    } catch (const CUsageError& error) {
+        writeMessage(error.getMessage());
+        return ExitUsage;
+    } catch (const CClosedPipeError&) {
+        return ExitFailure;
+    } catch (const CError& error) {
+        return fail(error.getMessage());
+    } catch (const std::exception& error) {
+        return fail(String::fromUTF8Lax(error.what()));
+    } catch (...) {
+        return fail("unknown error");
+    }
+}
+
+} // namespace vantra::tool

@@ -1,0 +1,67 @@
+#include "Output.h"
+
+#include "Errors.h"
+#include "NewFile.h"
+#include "StandardFiles.h"
+
+#include <kel/FileStream.h>
+#include <kel/Path.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+
+namespace vantra::tool {
+
+using kel::CError;
+using kel::CFileOutStream;
+using kel::CPath;
+using kel::P;
+using kel::String;
+
+namespace {
+
+class CStandardOutput : public IOutput {
+public:
+    void write(std::string_view bytes) override {
+        const int error = writeStandardOutput(bytes);
+        if (error == EPIPE) throw CClosedPipeError();
+        if (error != 0)
+            throw CError(
+                "Error writing to standard output: " + String(std::generic_category().message(error)) + ".");
+    }
+    void commit() override {}
+};
+
+/// Something that exists and is no ordinary file, such as /dev/null or a named pipe.
+class CSpecialFile : public IOutput {
+public:
+    explicit CSpecialFile(const CPath& path)
+        : stream_(new CFileOutStream(path, CFileOutStream::Mode::Replace)) {}
+
+    void write(std::string_view bytes) override {
+        stream_->write(bytes.data(), bytes.size());
+        stream_->flush(); // whoever reads at the other end is not to wait for a full buffer
+    }
+    void commit() override { stream_->close(); }
+
+private:
+    P<CFileOutStream> stream_;
+};
+
+bool isSpecial(const CPath& path) {
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(path.toStdPath(), error);
+    return std::filesystem::exists(status) && !std::filesystem::is_regular_file(status);
+}
+
+} // namespace
+
+std::unique_ptr<IOutput> openOutput(const std::optional<String>& name) {
+    if (!name || *name == "-") return std::make_unique<CStandardOutput>();
+    const CPath path(*name);
+    if (isSpecial(path)) return std::make_unique<CSpecialFile>(path);
+    return std::make_unique<CNewFile>(path);
+}
+
+} // namespace vantra::tool

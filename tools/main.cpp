@@ -1,0 +1,12 @@
+#include "CommandLine.h"
+#include "LogHandler.h"
+#include "StandardFiles.h"
+
+#include <kel/Log.h>
+
+int main(int argc, char** argv) {
+    using namespace vantra::tool;
+    prepareStandardFiles();
+    kel::setLogHandler(new CLogHandler());
+    return runCommandLine(getArguments(argc, argv));
+}

@@ -1,0 +1,64 @@
+#include "StandardFiles.h"
+
+#include "Interrupt.h"
+
+#include <kel/String.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <memory>
+
+#include <fcntl.h>
+#include <io.h>
+
+#include <windows.h>
+
+#include <shellapi.h>
+
+namespace vantra::tool {
+
+namespace {
+
+constexpr int standardInput = 0;
+constexpr int standardOutput = 1;
+constexpr int standardError = 2;
+
+struct LocalDeleter {
+    void operator()(LPWSTR* memory) const noexcept { ::LocalFree(memory); }
+};
+
+int writeAll(int descriptor, std::string_view bytes) noexcept {
+    while (!bytes.empty()) {
+        if (isInterrupted()) return EINTR;
+        const auto length = static_cast<unsigned int>(std::min<std::size_t>(bytes.size(), INT_MAX));
+        const int written = ::_write(descriptor, bytes.data(), length);
+        // The runtime tells of a pipe without a reader by EINVAL.
+        if (written < 0) return errno == EINVAL ? EPIPE : errno;
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return 0;
+}
+
+} // namespace
+
+std::vector<std::string> getArguments(int /*argc*/, char** /*argv*/) {
+    // What main() gets is in the system's code page, which most characters are missing from.
+    std::vector<std::string> arguments;
+    int count = 0;
+    const std::unique_ptr<LPWSTR, LocalDeleter> list(::CommandLineToArgvW(::GetCommandLineW(), &count));
+    for (int i = 1; list && i < count; ++i) arguments.push_back(kel::String(list.get()[i]).toUTF8());
+    return arguments;
+}
+
+void prepareStandardFiles() noexcept {
+    for (const int descriptor : {standardInput, standardOutput, standardError})
+        (void)::_setmode(descriptor, _O_BINARY);
+    ::SetConsoleOutputCP(CP_UTF8);
+}
+
+int writeStandardOutput(std::string_view bytes) noexcept { return writeAll(standardOutput, bytes); }
+
+void writeStandardError(std::string_view bytes) noexcept { (void)writeAll(standardError, bytes); }
+
+} // namespace vantra::tool
