@@ -1,0 +1,153 @@
+#!/usr/bin/env bash
+# Everything that has to hold before a change lands. Stops at the first step that fails; a second run is quick.
+#
+#     scripts/test.sh              all steps
+#     scripts/test.sh --quick      deps, format and debug
+#     scripts/test.sh STEP...      these steps, in this order
+#
+#     deps      installs the Debian packages that are missing
+#     format    formatting
+#     words     no references to documents outside of the tree
+#     shell     shell scripts
+#     debug     builds everything, runs all tests
+#     headers   each public header compiles alone                     (needs debug)
+#     exports   what the shared library exports                       (needs debug)
+#     tidy      clang-tidy over the product's sources                 (needs debug)
+#     asan      all tests with the address and undefined behaviour sanitizers
+#     tsan      the tests labelled "threads" with the thread sanitizer
+#     release   builds everything optimised; each benchmark runs briefly
+# shellcheck source=scripts/lib.sh
+. "$(dirname "$0")/lib.sh"
+
+all_steps=(deps format words shell debug headers exports tidy asan tsan release)
+
+# build_preset PRESET
+build_preset() {
+    cmake --preset "$1"
+    cmake --build --preset "$1"
+}
+
+# run_tests PRESET [LAUNCHER...] -- [CTEST-ARGUMENT...]: runs tests of a build. Leaves what they amount to for the
+# summary. A test that skips itself counts as a failure: it would hide that a server is missing.
+run_tests() {
+    local preset=$1 launcher=()
+    shift
+    while [ "$1" != -- ]; do
+        launcher+=("$1")
+        shift
+    done
+    shift
+    local reports=$PWD/build/$preset/test-reports cases programs skipped
+    rm -rf "$reports"
+    # Loopback servers are not reached through a proxy that the environment names.
+    env -u http_proxy -u https_proxy -u ftp_proxy -u all_proxy -u no_proxy \
+        -u HTTPS_PROXY -u FTP_PROXY -u ALL_PROXY -u NO_PROXY \
+        GTEST_OUTPUT="xml:$reports/" "${launcher[@]}" \
+        ctest --preset "$preset" --parallel "$CMAKE_BUILD_PARALLEL_LEVEL" --no-tests=error "$@"
+    programs=$(find "$reports" -name '*.xml' | wc -l)
+    cases=$(find "$reports" -name '*.xml' -exec sed -nE 's/^<testsuites tests="([0-9]+)".*/\1/p' {} + |
+        awk '{ sum += $1 } END { print sum + 0 }')
+    skipped=$(grep -rhE 'result="skipped"' "$reports" | sed -nE 's/.*<testcase name="([^"]*)".*classname="([^"]*)".*/\2.\1/p')
+    [ -z "$skipped" ] || die "tests were skipped: $skipped"
+    [ "$cases" -gt 0 ] || die "no test cases were run"
+    say "$cases test cases in $programs programs passed."
+    say "$cases tests" >"$notes/$preset"
+}
+
+step_deps() { scripts/install-deps.sh; }
+step_format() { scripts/check-format.sh; }
+step_words() { scripts/check-words.sh; }
+step_shell() { scripts/check-shell.sh; }
+step_headers() { scripts/check-headers.sh build/debug; }
+step_exports() { scripts/check-exports.sh build/debug; }
+step_tidy() { scripts/check-tidy.py --jobs "$CMAKE_BUILD_PARALLEL_LEVEL" build/debug; }
+
+step_debug() {
+    build_preset debug
+    run_tests debug --
+}
+
+step_asan() {
+    build_preset asan
+    export ASAN_OPTIONS=detect_leaks=1:detect_stack_use_after_return=1:strict_string_checks=1
+    export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
+    run_tests asan --
+}
+
+step_tsan() {
+    build_preset tsan
+    # On some kernels the layout of the address space is too random for the sanitizer of this compiler.
+    local probe=build/tsan/probe launcher=()
+    g++ -fsanitize=thread -x c++ -o "$probe" - <<<'int main() {}'
+    runs_reliably "$probe" || launcher=(setarch --addr-no-randomize)
+    runs_reliably "${launcher[@]}" "$probe" || die "programs with the thread sanitizer do not run on this machine"
+    export TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1
+    run_tests tsan "${launcher[@]}" -- --label-regex '^threads$'
+}
+
+runs_reliably() {
+    local attempt
+    for attempt in {1..20}; do
+        "$@" >/dev/null 2>&1 || return "$attempt"
+    done
+}
+
+step_release() {
+    build_preset release
+    build/release/bin/vantra_bench --smoke
+    build/release/bin/vantra_microbench --benchmark_min_time=0.001
+}
+
+# minutes SECONDS
+minutes() {
+    printf '%d:%02d' $(($1 / 60)) $(($1 % 60))
+}
+
+print_summary() {
+    printf '\n%-10s %8s\n' step min:s
+    local row
+    for row in "${summary[@]}"; do printf '%s\n' "$row"; done
+}
+
+case ${1-} in
+--help | -h)
+    sed -n '2,/^# shellcheck/{/^# shellcheck/d;s/^# \{0,1\}//;p}' "$0"
+    exit 0
+    ;;
+--quick)
+    [ $# -eq 1 ] || die "--quick takes no steps"
+    set -- deps format debug
+    ;;
+esac
+for step in "$@"; do
+    [[ " ${all_steps[*]} " = *" $step "* ]] || die "unknown step '$step'; the steps are: ${all_steps[*]}"
+done
+[ $# -gt 0 ] || set -- "${all_steps[@]}"
+
+notes=$(mktemp -d)
+trap 'rm -rf "$notes"' EXIT
+summary=()
+for step in "$@"; do
+    printf '\n=== %s\n' "$step"
+    begin=$SECONDS
+    # Not the condition of an if, inside of which a failing command would not end the step.
+    set +e
+    (
+        set -e
+        "step_$step"
+    )
+    status=$?
+    set -e
+    took=$(minutes $((SECONDS - begin)))
+    note=
+    [ ! -f "$notes/$step" ] || note=$(cat "$notes/$step")
+    if [ $status -ne 0 ]; then
+        summary+=("$(printf '%-10s %8s  FAILED' "$step" "$took")")
+        print_summary
+        die "step '$step' failed (status $status); repeat it alone with: scripts/test.sh $step"
+    fi
+    summary+=("$(printf '%-10s %8s  %s' "$step" "$took" "${note:-ok}")")
+done
+print_summary
+printf '%-10s %8s\n\n' all "$(minutes $SECONDS)"
+say "Everything passed."
