@@ -8,6 +8,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace vantra::test {
 
 namespace {
@@ -88,6 +90,14 @@ TEST_P(ClientFault, OfASinkInTheBodyOfAnErrorStatusIsWhatPerformThrows) {
         fault().asTransferred);
 }
 
+/// How many requests brought the whole of a slow source. Counted rather than looked for at the end: the
+/// server may read the head of a request that was given up after that of the next one.
+std::ptrdiff_t countWholeBodies(const testsupport::ScriptedServer& server) {
+    const auto requests = server.requests();
+    return std::count_if(requests.begin(), requests.end(),
+                         [](const auto& request) { return request.body == "01234"; });
+}
+
 /// A source of five bytes that is read byte by byte.
 P<CRecordingSource> makeSlowSource() {
     P<CRecordingSource> source = new CRecordingSource("01234");
@@ -108,7 +118,7 @@ TEST_P(ClientFault, OfASourceAtEachReadIsWhatPerformThrows) {
 
         source->reads.clear();
         EXPECT_EQ(perform(Script().expectRequest().send(storedResponse)), nothingThrown) << call;
-        EXPECT_EQ(server_.requests().back().body, "01234");
+        EXPECT_EQ(countWholeBodies(server_), call);
         EXPECT_EQ(getBody(*request_), "stored");
     }
 }
@@ -124,7 +134,7 @@ TEST_P(ClientFault, OfASourceOfUnknownSizeAtEachReadTheLastIncludedIsWhatPerform
 
         source->reads.clear();
         EXPECT_EQ(perform(Script().expectRequest().send(storedResponse)), nothingThrown) << call;
-        EXPECT_EQ(server_.requests().back().body, "01234");
+        EXPECT_EQ(countWholeBodies(server_), call);
     }
 }
 
