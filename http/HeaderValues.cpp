@@ -53,7 +53,8 @@ constexpr bool isForbiddenInEmailAddress(char32_t c) noexcept {
 } // namespace
 
 String parseContentDispositionHeader(const String& header, TMap<String, String>& params) {
-    const String copy = header; // `header` may be a value of `params`
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): `header` may be a value of `params`
+    const String copy = header;
     const std::wstring_view text = copy.view();
     const std::size_t semicolon = text.find(L';');
     if (semicolon != std::wstring_view::npos) {

@@ -226,7 +226,8 @@ String encodeURLParams(const TMap<String, String>& params) {
 }
 
 void decodeURLParams(const String& query, TMap<String, String>& params) {
-    const String copy = query; // `query` may be a value of `params`
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): `query` may be a value of `params`
+    const String copy = query;
     std::wstring_view rest = copy.view();
     while (!rest.empty()) {
         const std::size_t ampersand = rest.find(L'&');

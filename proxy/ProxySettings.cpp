@@ -176,7 +176,7 @@ struct CProxySettings::UserSettings {
     }
 
     void waitUntilMade() const {
-        while (state == State::Pending) kel::threadYield(false);
+        while (state == State::Pending) kel::threadYield(true);
         if (state == State::Failed) throw CError("Construction of static object has failed.");
     }
 

@@ -13,6 +13,8 @@ namespace vantra::tool {
 /// A destination of bytes. One thread at a time.
 class IOutput {
 public:
+    IOutput(const IOutput&) = delete;
+    IOutput& operator=(const IOutput&) = delete;
     virtual ~IOutput() = default;
 
     /// @throws kel::CError if not all could be written; CClosedPipeError if nobody reads standard output any
@@ -25,8 +27,6 @@ public:
 
 protected:
     IOutput() = default;
-    IOutput(const IOutput&) = delete;
-    IOutput& operator=(const IOutput&) = delete;
 };
 
 /// Opens what the user named with -o: nothing or "-" for standard output, otherwise a file, which appears

@@ -12,7 +12,7 @@
 #include <optional>
 #include <vector>
 
-namespace CLI {
+namespace CLI { // NOLINT(readability-identifier-naming)
 class App;
 }
 

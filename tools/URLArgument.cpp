@@ -60,7 +60,7 @@ bool isScheme(std::wstring_view text) {
 /// The scheme in lower case.
 String parseScheme(const String& name, const String& url) {
     const std::size_t end = url.find("://");
-    const String scheme = url.substr(0, end).toLower();
+    String scheme = url.substr(0, end).toLower();
     if (end == String::npos || !isScheme(scheme.view()))
         throw CUsageError(name + ": has no scheme; begin it with http://, https://, ftp:// or ftps://");
     if (!contains(httpSchemes, scheme) && !contains(ftpSchemes, scheme))

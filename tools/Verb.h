@@ -7,6 +7,8 @@ namespace vantra::tool {
 /// A verb of the command line ("vantra get ..."). Its constructor adds it to the parser, which fills it in.
 class IVerb {
 public:
+    IVerb(const IVerb&) = delete;
+    IVerb& operator=(const IVerb&) = delete;
     virtual ~IVerb() = default;
 
     /// Whether the user gave it.
@@ -18,8 +20,6 @@ public:
 
 protected:
     IVerb() = default;
-    IVerb(const IVerb&) = delete;
-    IVerb& operator=(const IVerb&) = delete;
 };
 
 } // namespace vantra::tool

@@ -60,7 +60,7 @@ CResourceManager::CResourceManager() : folders_(getDefaultFolders()) {}
 CPath CResourceManager::findResource(const CPath& relativePath) const {
     if (!mayBeResource(relativePath)) return {};
     for (const CPath& folder : getFolders()) {
-        const CPath path = folder / relativePath;
+        CPath path = folder / relativePath;
         if (exists(path)) return path;
     }
     return {};

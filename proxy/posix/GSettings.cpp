@@ -14,6 +14,7 @@ struct GSettingsBackend;
 struct GSettingsSchema;
 struct GSettingsSchemaSource;
 
+// NOLINTBEGIN(readability-identifier-naming)
 /// The functions of GLib in use, with GLib's own declarations.
 struct GLibFunctions {
     GSettingsSchemaSource* (*g_settings_schema_source_get_default)();
@@ -29,6 +30,7 @@ struct GLibFunctions {
     void (*g_strfreev)(char**);
     void (*g_object_unref)(void*);
 };
+// NOLINTEND(readability-identifier-naming)
 
 template <class Function>
 bool find(void* library, const char* name, Function& function) {

@@ -10,7 +10,7 @@ namespace sigil {
 
 kel::String base64Encode(const void* data, std::size_t size) {
     // OpenSSL counts in int; whole groups of three bytes keep the padding to the last part.
-    constexpr std::size_t partSize = 3 * 16 * 1024;
+    constexpr std::size_t partSize = std::size_t{3} * 16 * 1024;
     std::string text;
     if (size > text.max_size() / 4 * 3 - 3) throw std::bad_alloc();
     text.resize((size + 2) / 3 * 4);

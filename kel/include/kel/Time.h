@@ -30,7 +30,8 @@ public:
     /// Infinity for the infinite span.
     [[nodiscard]] double getSeconds() const noexcept;
 
-    friend constexpr auto operator<=>(const CTimeSpan&, const CTimeSpan&) = default;
+    friend constexpr auto operator<=>(const CTimeSpan&,
+                                      const CTimeSpan&) = default; // NOLINT(modernize-use-nullptr)
 
 private:
     static constexpr int64 infiniteValue = INT64_MAX;
@@ -56,7 +57,7 @@ public:
     /// Whole seconds since 1970, rounded down.
     [[nodiscard]] std::time_t toCTime() const noexcept;
 
-    friend constexpr auto operator<=>(const CTime&, const CTime&) = default;
+    friend constexpr auto operator<=>(const CTime&, const CTime&) = default; // NOLINT(modernize-use-nullptr)
     /// Saturating.
     friend KEL_API CTimeSpan operator-(const CTime& later, const CTime& earlier);
     friend KEL_API CTime operator+(const CTime& time, const CTimeSpan& span);
