@@ -15,16 +15,19 @@
 #     tidy      clang-tidy over the product's sources                 (needs debug)
 #     asan      all tests with the address and undefined behaviour sanitizers
 #     tsan      the tests labelled "threads" with the thread sanitizer
-#     release   builds everything optimised; each benchmark runs briefly
+#     release   builds the product and the benchmarks optimised; each benchmark runs briefly
 # shellcheck source=scripts/lib.sh
 . "$(dirname "$0")/lib.sh"
 
 all_steps=(deps format words shell debug headers exports tidy asan tsan release)
 
-# build_preset PRESET
+# build_preset PRESET [TARGET...]: all targets if none is named.
 build_preset() {
-    cmake --preset "$1"
-    cmake --build --preset "$1"
+    local preset=$1 targets=()
+    shift
+    [ $# -eq 0 ] || targets=(--target "$@")
+    cmake --preset "$preset"
+    cmake --build --preset "$preset" "${targets[@]}"
 }
 
 # run_tests PRESET [LAUNCHER...] -- [CTEST-ARGUMENT...]: runs tests of a build. Leaves what they amount to for the
@@ -75,7 +78,12 @@ step_asan() {
 }
 
 step_tsan() {
-    build_preset tsan
+    local programs
+    cmake --preset tsan
+    # A test has the name of its program.
+    mapfile -t programs < <(ctest --preset tsan --show-only --label-regex '^threads$' | sed -nE 's/^ *Test +#[0-9]+: (.*)$/\1/p')
+    [ "${#programs[@]}" -gt 0 ] || die "no test is labelled \"threads\""
+    build_preset tsan "${programs[@]}"
     # On some kernels the layout of the address space is too random for the sanitizer of this compiler.
     local probe=build/tsan/probe launcher=()
     g++ -fsanitize=thread -x c++ -o "$probe" - <<<'int main() {}'
@@ -93,7 +101,7 @@ runs_reliably() {
 }
 
 step_release() {
-    build_preset release
+    build_preset release vantra vantra_command vantra_bench vantra_microbench
     build/release/bin/vantra_bench --smoke
     build/release/bin/vantra_microbench --benchmark_min_time=0.001
 }
