@@ -350,7 +350,8 @@ TEST_F(AsyncDoneListener, ThatThrowsIsLoggedAndDoesNotHarmTheManager) {
 }
 
 TEST_F(AsyncDoneListener, ThatReplacesItselfStaysAliveUntilItReturns) {
-    std::atomic<int> alive = 0;
+    static std::atomic<int> alive; // outlives the request
+    alive = 0;
     P<CRecordingListener> first = new CRecordingListener(&alive);
     int aliveInside = 0;
     first->onDone = [&] {

@@ -400,7 +400,8 @@ TEST_F(HeaderCallback, TellsTheServerRecordWhenTheHeadersAreComplete) {
 }
 
 TEST_F(HeaderCallback, TellsOnlyTheServerRecordGivenLast) {
-    std::atomic<int> alive = 0;
+    static std::atomic<int> alive; // outlives the request
+    alive = 0;
     class CCountedInfo : public CServerInfo {
     public:
         explicit CCountedInfo(std::atomic<int>* count) : counted_(count) {}

@@ -198,7 +198,8 @@ TEST_F(RequestReset, ForgetsTheLastResponse) {
 }
 
 TEST_F(RequestReset, ReleasesSourceListenerSinkHeadersAndCommandListsOnce) {
-    std::atomic<int> alive = 0;
+    static std::atomic<int> alive; // outlives the request
+    alive = 0;
     const P<CTestRequest> request = makeRequest();
     request->setSendDataSource(new CRecordingSource("data", &alive));
     request->setDoneListener(new CRecordingListener(&alive));
@@ -283,7 +284,8 @@ TEST_F(RequestReset, ForgetsTheRecordedMessages) {
 }
 
 TEST_F(RequestReset, KeepsUserDataAndDependencies) {
-    std::atomic<int> alive = 0;
+    static std::atomic<int> alive; // outlives the request
+    alive = 0;
     int value = 0;
     P<CTestRequest> request = makeRequest();
     request->setUserData(&value);

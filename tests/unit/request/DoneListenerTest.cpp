@@ -133,7 +133,8 @@ TEST_F(DoneListener, ThatThrowsAfterAFailureIsCalledOnceAndItsOwnErrorLeavesPerf
 }
 
 TEST_F(DoneListener, ThatReplacesItselfStaysAliveUntilItReturns) {
-    std::atomic<int> alive = 0;
+    static std::atomic<int> alive; // outlives the request
+    alive = 0;
     P<CRecordingListener> first = new CRecordingListener(&alive);
     std::vector<int> aliveInside;
     first->onDone = [&] {
@@ -173,7 +174,8 @@ TEST_F(DoneListener, MayPerformTheRequestAgain) {
 }
 
 TEST_F(DoneListener, IsHeldUntilItIsReplaced) {
-    std::atomic<int> alive = 0;
+    static std::atomic<int> alive; // outlives the request
+    alive = 0;
     request_->setDoneListener(new CRecordingListener(&alive));
     EXPECT_EQ(alive, 1);
     request_->setDoneListener(listener_);

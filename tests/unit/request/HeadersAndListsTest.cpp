@@ -51,7 +51,8 @@ TEST_F(HeadersAndLists, CustomHeadersThatLibcurlRefusesDoNotReplaceTheOldOnes) {
     const P<CNetHeaders> first = new CNetHeaders();
     request_->setCustomHTTPHeaders(first);
     recorder_.failOption(CURLOPT_HTTPHEADER, CURLE_OUT_OF_MEMORY);
-    std::atomic<int> alive = 0;
+    static std::atomic<int> alive; // outlives the request
+    alive = 0;
     EXPECT_EQ(thrownBy([&] { request_->setCustomHTTPHeaders(new CCountedHeaders(&alive)); }),
               curlError(CURLE_OUT_OF_MEMORY, ""));
     EXPECT_EQ(request_->getCustomHTTPHeaders(), first);
@@ -59,7 +60,8 @@ TEST_F(HeadersAndLists, CustomHeadersThatLibcurlRefusesDoNotReplaceTheOldOnes) {
 }
 
 TEST_F(HeadersAndLists, AreHeldUntilReplacedAndReleasedOnce) {
-    std::atomic<int> alive = 0;
+    static std::atomic<int> alive; // outlives the request
+    alive = 0;
     request_->setCustomHTTPHeaders(new CCountedHeaders(&alive));
     request_->setFTPCustomPreCommands(new CCountedList(&alive));
     request_->setFTPCustomPostCommands(new CCountedList(&alive));
@@ -73,7 +75,8 @@ TEST_F(HeadersAndLists, AreHeldUntilReplacedAndReleasedOnce) {
 }
 
 TEST_F(HeadersAndLists, AreReleasedByReset) {
-    std::atomic<int> alive = 0;
+    static std::atomic<int> alive; // outlives the request
+    alive = 0;
     request_->setCustomHTTPHeaders(new CCountedHeaders(&alive));
     request_->setFTPCustomPreCommands(new CCountedList(&alive));
     request_->setFTPCustomPostCommands(new CCountedList(&alive));
@@ -82,7 +85,8 @@ TEST_F(HeadersAndLists, AreReleasedByReset) {
 }
 
 TEST_F(HeadersAndLists, AreReleasedWithTheRequest) {
-    std::atomic<int> alive = 0;
+    static std::atomic<int> alive; // outlives the request
+    alive = 0;
     request_->setCustomHTTPHeaders(new CCountedHeaders(&alive));
     request_->setFTPCustomPreCommands(new CCountedList(&alive));
     request_->setFTPCustomPostCommands(new CCountedList(&alive));

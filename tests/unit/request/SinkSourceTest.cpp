@@ -180,7 +180,8 @@ TEST_F(ReceiveData, StaysInTheDefaultBufferAsLongAsSomebodyHoldsIt) {
 }
 
 TEST_F(ReceiveData, SinkAndStreamAreHeldUntilReplacedAndReleasedOnce) {
-    std::atomic<int> alive = 0;
+    static std::atomic<int> alive; // outlives the request
+    alive = 0;
     request_->setReceiveDataSink(new CRecordingSink(&alive));
     EXPECT_EQ(alive, 1);
     request_->setReceiveDataStream(new CNotingStream(&alive));
@@ -193,7 +194,8 @@ TEST_F(ReceiveData, SinkAndStreamAreHeldUntilReplacedAndReleasedOnce) {
 }
 
 TEST_F(ReceiveData, SinkSetAgainStaysInPlace) {
-    std::atomic<int> alive = 0;
+    static std::atomic<int> alive; // outlives the request
+    alive = 0;
     auto* sink = new CRecordingSink(&alive);
     request_->setReceiveDataSink(sink);
     request_->setReceiveDataSink(sink);
@@ -244,7 +246,8 @@ TEST_F(SendData, NullStreamClearsBoth) {
 }
 
 TEST_F(SendData, StreamSetAgainStaysAlive) {
-    std::atomic<int> alive = 0;
+    static std::atomic<int> alive; // outlives the request
+    alive = 0;
     request_->setSendDataStream(new CNotingStream(&alive));
     request_->setSendDataStream(request_->getSendDataStream());
     EXPECT_EQ(alive, 1);
@@ -252,7 +255,8 @@ TEST_F(SendData, StreamSetAgainStaysAlive) {
 }
 
 TEST_F(SendData, StreamSetAgainByItsBarePointerStaysAlive) {
-    std::atomic<int> alive = 0;
+    static std::atomic<int> alive; // outlives the request
+    alive = 0;
     auto* stream = new CNotingStream(&alive);
     request_->setSendDataStream(stream);
     request_->setSendDataStream(stream);
@@ -343,7 +347,8 @@ TEST_F(SendData, SizeAloneInstallsNoSource) {
 }
 
 TEST_F(SendData, SourcesAndStreamsAreHeldUntilReplacedAndReleasedOnce) {
-    std::atomic<int> alive = 0;
+    static std::atomic<int> alive; // outlives the request
+    alive = 0;
     request_->setSendDataSource(new CRecordingSource("data", &alive));
     EXPECT_EQ(alive, 1);
     request_->setSendDataStream(new CNotingStream(&alive));
@@ -356,7 +361,8 @@ TEST_F(SendData, SourcesAndStreamsAreHeldUntilReplacedAndReleasedOnce) {
 }
 
 TEST_F(SendData, StreamThatOnlyTheCallerHoldsNoLongerIsKept) {
-    std::atomic<int> alive = 0;
+    static std::atomic<int> alive; // outlives the request
+    alive = 0;
     {
         const P<CNotingStream> stream = new CNotingStream(&alive);
         request_->setSendDataStream(stream);
