@@ -6,6 +6,7 @@
 #include <kel/Number.h>
 
 #include <system_error>
+#include <utility>
 
 namespace vantra::tool {
 
@@ -53,10 +54,15 @@ String toText(const fs::path& path) {
 
 } // namespace
 
-CNewFile::CNewFile(const CPath& path) : path_(path), target_(followLinks(path)) {
-    temporaryPath_ = CPath(toText(target_.parent_path())) / CPath(makeTemporaryName());
+CNewFile::CNewFile(const CPath& path) : CNewFile(path, followLinks(path)) {
+    keepPermissions(); // should it fail, the destructor runs, because the other constructor is through
+}
+
+CNewFile::CNewFile(const CPath& path, fs::path target)
+    : path_(path),
+      target_(std::move(target)),
+      temporaryPath_(CPath(toText(target_.parent_path())) / CPath(makeTemporaryName())) {
     withShownName([this] { stream_ = new CFileOutStream(temporaryPath_, CFileOutStream::Mode::CreateNew); });
-    keepPermissions();
 }
 
 CNewFile::~CNewFile() {

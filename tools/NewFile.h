@@ -29,6 +29,8 @@ public:
     void commit() override;
 
 private:
+    CNewFile(const kel::CPath& path, std::filesystem::path target);
+
     void keepPermissions() const;
     void withShownName(const std::function<void()>& action) const;
 

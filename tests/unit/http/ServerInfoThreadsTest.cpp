@@ -84,4 +84,23 @@ TEST(ServerInfoThreads, ReadAWholeRecordWhileOthersUpdateIt) {
     EXPECT_TRUE(info.areGetRangesBroken());
 }
 
+TEST(ServerInfoThreads, ReadAFlagBeforeAnythingElse) {
+    for (int round = 0; round < 50; ++round) {
+        CServerInfo info;
+        std::vector<int> wrongFlags(threadCount);
+        runOnThreads([&info, &wrongFlags](int number) {
+            if (number == 0) info.updateFromHeaders({{"server", serverOf(1)}});
+            // Each number asks for the flags in another order, so that each flag is the first for somebody.
+            for (int i = 0; i < 3; ++i) {
+                const int flag = (number + i) % 3;
+                if (flag == 0) static_cast<void>(info.areGetRangesBroken());
+                if (flag == 1 && info.isGetBroken()) ++wrongFlags[static_cast<std::size_t>(number)];
+                if (flag == 2 && info.isPutBroken()) ++wrongFlags[static_cast<std::size_t>(number)];
+            }
+        });
+        EXPECT_EQ(wrongFlags, std::vector<int>(threadCount, 0));
+        EXPECT_TRUE(info.areGetRangesBroken());
+    }
+}
+
 } // namespace
