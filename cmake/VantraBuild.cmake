@@ -13,6 +13,13 @@ else()
     set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
 endif()
 
+# The folder of the platform doors' one side.
+if(WIN32)
+    set(VANTRA_PLATFORM windows)
+else()
+    set(VANTRA_PLATFORM posix)
+endif()
+
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
     set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
@@ -37,13 +44,12 @@ find_package(OpenSSL 3.0 REQUIRED)
 find_package(CURL 7.88 REQUIRED)
 find_package(wxWidgets 3.2 REQUIRED COMPONENTS base xml)
 
-# wxWidgets as one target, its headers as system headers so that their warnings are not ours.
+# wxWidgets as one target, its headers as system headers so that their warnings are not ours. An installed package
+# looks for wxWidgets anew.
 add_library(vantra_wx INTERFACE)
-target_include_directories(vantra_wx SYSTEM INTERFACE ${wxWidgets_INCLUDE_DIRS})
-foreach(definition IN LISTS wxWidgets_DEFINITIONS)
-    target_compile_definitions(vantra_wx INTERFACE ${definition})
-endforeach()
-target_link_libraries(vantra_wx INTERFACE ${wxWidgets_LIBRARIES})
+target_include_directories(vantra_wx SYSTEM INTERFACE "$<BUILD_INTERFACE:${wxWidgets_INCLUDE_DIRS}>")
+target_compile_definitions(vantra_wx INTERFACE "$<BUILD_INTERFACE:${wxWidgets_DEFINITIONS}>")
+target_link_libraries(vantra_wx INTERFACE "$<BUILD_INTERFACE:${wxWidgets_LIBRARIES}>")
 
 if(BUILD_TESTING)
     find_package(GTest REQUIRED)

@@ -12,6 +12,7 @@
 #     debug     builds everything, runs all tests
 #     headers   each public header compiles alone                     (needs debug)
 #     exports   what the shared library exports                       (needs debug)
+#     install   the library installed and used by a project of its own    (needs debug)
 #     tidy      clang-tidy over the product's sources                 (needs debug)
 #     asan      all tests with the address and undefined behaviour sanitizers
 #     tsan      the tests labelled "threads" with the thread sanitizer
@@ -19,7 +20,7 @@
 # shellcheck source=scripts/lib.sh
 . "$(dirname "$0")/lib.sh"
 
-all_steps=(deps format words shell debug headers exports tidy asan tsan release)
+all_steps=(deps format words shell debug headers exports install tidy asan tsan release)
 
 # build_preset PRESET [TARGET...]: all targets if none is named.
 build_preset() {
@@ -63,6 +64,7 @@ step_words() { scripts/check-words.sh; }
 step_shell() { scripts/check-shell.sh; }
 step_headers() { scripts/check-headers.sh build/debug; }
 step_exports() { scripts/check-exports.sh build/debug; }
+step_install() { scripts/test-install.sh build/debug; }
 step_tidy() { scripts/check-tidy.py --jobs "$CMAKE_BUILD_PARALLEL_LEVEL" build/debug; }
 
 step_debug() {
