@@ -258,10 +258,12 @@ void __wrap_curl_easy_cleanup(CURL* handle) {
     __real_curl_easy_cleanup(handle);
 }
 
-CURLcode __wrap_curl_easy_setopt(CURL* handle, CURLoption option, ...) {
+// A parameter before "..." must not be of a type that is promoted, as an enumeration is; int is passed alike.
+CURLcode __wrap_curl_easy_setopt(CURL* handle, int optionNumber, ...) {
     using Kind = vantra::test::OptionValue::Kind;
+    const auto option = static_cast<CURLoption>(optionNumber);
     va_list arguments;
-    va_start(arguments, option);
+    va_start(arguments, optionNumber);
     const vantra::test::OptionValue value = vantra::test::takeValue(option, arguments);
     va_end(arguments);
     if (auto* recorder = vantra::test::CurlRecorder::getActive()) {
@@ -280,9 +282,10 @@ CURLcode __wrap_curl_easy_setopt(CURL* handle, CURLoption option, ...) {
     return __real_curl_easy_setopt(handle, option, value.object);
 }
 
-CURLcode __wrap_curl_easy_getinfo(CURL* handle, CURLINFO info, ...) {
+CURLcode __wrap_curl_easy_getinfo(CURL* handle, int infoNumber, ...) {
+    const auto info = static_cast<CURLINFO>(infoNumber);
     va_list arguments;
-    va_start(arguments, info);
+    va_start(arguments, infoNumber);
     void* answer = va_arg(arguments, void*);
     va_end(arguments);
     CURLcode result = CURLE_OK;
