@@ -1,6 +1,5 @@
 #include "CommandLine.h"
 
-#include "GetCommand.h"
 #include "Interrupt.h"
 #include "Output.h"
 #include "TerminalText.h"
@@ -33,7 +32,8 @@ void configure(CLI::App& program) {
     program.set_version_flag("--version", &getVersionText,
                              "Print the versions of vantra and libcurl and exit");
     program.allow_windows_style_options(false); // "/x" is the same on every platform: no option
-    program.footer("The exit status is 0 on success, 1 on failure and 2 for arguments that cannot be right.\n"
+    program.footer("The exit status is 0 on success, 1 on failure, 2 for arguments that cannot be right\n"
+                   "and 130 after Ctrl-C.\n"
                    "vantra VERB --help tells a verb's options.");
 }
 
@@ -44,10 +44,15 @@ void writeRequestedText(const CLI::App& program, const CLI::Success& request) {
     openOutput(std::nullopt)->write(text.str());
 }
 
-/// @throws CLI::ParseError as the parser does, CLI::Success included.
-void parseAndRun(CLI::App& program, std::vector<std::string> arguments) {
-    std::vector<std::unique_ptr<IVerb>> verbs;
-    verbs.push_back(std::make_unique<CGetCommand>(program));
+String describeMissingVerb(const CLI::App& program) {
+    String command = "vantra ";
+    for (const CLI::App* group : program.get_subcommands()) command += String(group->get_name()) + " ";
+    return "no verb was given; " + command + "--help lists them";
+}
+
+void parseAndRun(CLI::App& program, std::vector<std::string> arguments, VerbAdder addVerbs) {
+    VerbList verbs;
+    addVerbs(program, verbs);
     std::reverse(arguments.begin(), arguments.end()); // the order in which the parser wants them
     try {
         program.parse(std::move(arguments));
@@ -59,7 +64,7 @@ void parseAndRun(CLI::App& program, std::vector<std::string> arguments) {
     }
     const auto chosen =
         std::find_if(verbs.begin(), verbs.end(), [](const auto& verb) { return verb->isChosen(); });
-    if (chosen == verbs.end()) throw CUsageError("no verb was given; vantra --help lists them");
+    if (chosen == verbs.end()) throw CUsageError(describeMissingVerb(program));
     (*chosen)->run();
 }
 
@@ -71,11 +76,11 @@ ExitStatus fail(const String& message) {
 
 } // namespace
 
-ExitStatus runCommandLine(std::vector<std::string> arguments) noexcept {
+ExitStatus runCommandLine(std::vector<std::string> arguments, VerbAdder addVerbs) noexcept {
     try {
         CLI::App program("Transfers data over the network.", "vantra");
         configure(program);
-        parseAndRun(program, std::move(arguments));
+        parseAndRun(program, std::move(arguments), addVerbs);
         return ExitSuccess;
     } catch (const CUsageError& error) {
         writeMessage(error.getMessage());

@@ -10,7 +10,9 @@ namespace vantra::tool {
 enum ExitStatus : int {
     ExitSuccess = 0,
     ExitFailure = 1, ///< it was tried, and failed
-    ExitUsage = 2    ///< the arguments cannot be right, whatever the state of servers and files
+    ExitUsage = 2,   ///< the arguments cannot be right, whatever the state of servers and files
+    ExitInterrupted =
+        130 ///< the user interrupted it (Ctrl-C); what shells show for a program that SIGINT ended
 };
 
 /// The arguments cannot be right. Anything else that is thrown means failure.

@@ -1,43 +1,32 @@
 #include "GetCommand.h"
 
-#include "ArgumentText.h"
 #include "Errors.h"
+#include "FileArgument.h"
 #include "Interrupt.h"
 #include "Output.h"
+#include "ProgressDisplay.h"
 #include "ResponseSink.h"
+#include "Terminal.h"
 #include "Transfer.h"
 
 #include <CLI/CLI.hpp>
-
-#include <kel/Path.h>
 
 namespace vantra::tool {
 
 using kel::P;
 using kel::String;
 
-namespace {
-
-String parseOutputName(const std::string& argument) {
-    String name = toArgumentText("--output", argument);
-    if (name.isEmpty()) throw CUsageError("--output: must not be empty");
-    if (name.endsWith(L"/") || name.endsWith(String(std::wstring(1, kel::nativePathSeparator()))))
-        throw CUsageError("--output: '" + name + "' names a folder, not a file");
-    return name;
-}
-
-} // namespace
-
 CGetCommand::CGetCommand(CLI::App& program)
-    : app_(*program.add_subcommand("get", "Fetch what a URL names, to standard output or a file")) {
-    app_.group("Verbs");
+    : CVerb(program, "get", "Fetch what a URL names, to standard output or a file") {
     addURL();
     addOutputOptions();
-    requestOptions_.addTo(app_);
+    requestOptions_.addTo(getParser());
+    logOption_.addTo(getParser());
 }
 
 void CGetCommand::addURL() {
-    app_.add_option_function<std::string>(
+    getParser()
+        .add_option_function<std::string>(
             "URL", [this](const std::string& argument) { url_.emplace("URL", argument); },
             "Address to fetch: http, https, ftp or ftps.\nRedirects are followed")
         ->type_name("")
@@ -45,17 +34,25 @@ void CGetCommand::addURL() {
 }
 
 void CGetCommand::addOutputOptions() {
-    app_.add_option_function<std::string>(
-            "-o,--output", [this](const std::string& argument) { outputName_ = parseOutputName(argument); },
+    getParser()
+        .add_option_function<std::string>(
+            "-o,--output",
+            [this](const std::string& argument) { outputName_ = parseFileArgument("--output", argument); },
             "File to write, - for standard output (the default).\nIt appears when it is complete; after a "
             "failure an\nexisting file is what it was")
         ->type_name("FILE");
-    app_.add_flag("--include", includeHeaders_,
-                  "Write the status line and the headers ahead of the\nbody, to the same output; those of "
-                  "redirects too.\nHTTP only");
+    getParser().add_flag(
+        "--include", includeHeaders_,
+        "Write the status line and the headers ahead of the\nbody, to the same output; those of "
+        "redirects too.\nHTTP only");
+    getParser()
+        .add_option_function<std::string>(
+            "--range", [this](const std::string& argument) { range_.emplace("--range", argument); },
+            "Fetch the bytes from A to B (A-B) or all from A on\n(A-) alone; the first byte is 0. A server "
+            "that "
+            "does\nnot do that is an error")
+        ->type_name("A-B");
 }
-
-bool CGetCommand::isChosen() const { return app_.parsed(); }
 
 void CGetCommand::check() const {
     requestOptions_.checkFor(*url_);
@@ -66,11 +63,18 @@ void CGetCommand::run() {
     check();
     const P<CNetRequest> request = new CNetRequest();
     requestOptions_.applyTo(*request, *url_);
+    if (range_) range_->applyTo(*request);
+    const std::unique_ptr<CTransferLog> log = logOption_.open();
     const std::unique_ptr<IOutput> output = openOutput(outputName_);
     const CInterruptGuard interruptGuard;
+    CProgressDisplay display(isStandardErrorTerminal() && !output->isTerminal());
+    CProgressLine line(display, url_->getText());
     const P<CResponseSink> sink = new CResponseSink(*request, *output, includeHeaders_);
-    performTransfer(*request, *url_, *sink);
-    output->commit();
+    if (range_) sink->expectRange(*range_);
+    runLogged(log.get(), *request, [&] {
+        performTransfer(*request, *url_, *sink, &line);
+        output->commit();
+    });
 }
 
 } // namespace vantra::tool

@@ -2,6 +2,8 @@
 /// vantra get URL: fetches what an address names.
 #pragma once
 
+#include "LogOption.h"
+#include "RangeArgument.h"
 #include "RequestOptions.h"
 #include "URLArgument.h"
 #include "Verb.h"
@@ -12,11 +14,10 @@
 
 namespace vantra::tool {
 
-class CGetCommand : public IVerb {
+class CGetCommand : public CVerb {
 public:
     explicit CGetCommand(CLI::App& program);
 
-    [[nodiscard]] bool isChosen() const override;
     void run() override;
 
 private:
@@ -24,11 +25,12 @@ private:
     void addOutputOptions();
     void check() const;
 
-    CLI::App& app_;
     std::optional<CURLArgument> url_;
     std::optional<kel::String> outputName_;
     bool includeHeaders_ = false;
+    std::optional<CRangeArgument> range_;
     CRequestOptions requestOptions_;
+    CLogOption logOption_;
 };
 
 } // namespace vantra::tool

@@ -5,8 +5,9 @@
 
 namespace vantra::tool {
 
-/// While one lives, the first such wish is noted instead of ending the process at once, so that the transfer
-/// can be given up and what it left behind be removed. A second one ends the process. One at a time.
+/// While one lives, the first such wish is noted instead of ending the process at once, so that the transfers
+/// that run can be given up (see TransferMonitor.h) and what they left behind be removed. A second one ends
+/// the process. One at a time, whatever the number of transfers.
 class CInterruptGuard {
 public:
     CInterruptGuard() noexcept;
@@ -18,7 +19,7 @@ public:
 /// Whether such a wish was noted. Any thread.
 [[nodiscard]] bool isInterrupted() noexcept;
 
-/// Ends the process the way the noted wish would have done it.
+/// Ends the process with ExitInterrupted after Ctrl-C, otherwise the way the noted wish would have done it.
 [[noreturn]] void endAsInterrupted() noexcept;
 
 } // namespace vantra::tool

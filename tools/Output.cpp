@@ -3,6 +3,7 @@
 #include "Errors.h"
 #include "NewFile.h"
 #include "StandardFiles.h"
+#include "Terminal.h"
 
 #include <kel/FileStream.h>
 #include <kel/Path.h>
@@ -31,6 +32,7 @@ public:
                 "Error writing to standard output: " + String(std::generic_category().message(error)) + ".");
     }
     void commit() override {}
+    [[nodiscard]] bool isTerminal() const noexcept override { return isStandardOutputTerminal(); }
 };
 
 /// Something that exists and is no ordinary file, such as /dev/null or a named pipe.

@@ -21,6 +21,9 @@ public:
     /// more.
     virtual void write(std::string_view bytes) = 0;
 
+    /// Whether the user sees the bytes on a terminal, so that nothing else should be shown there meanwhile.
+    [[nodiscard]] virtual bool isTerminal() const noexcept { return false; }
+
     /// To be called once everything is written; without it the destructor undoes what can be undone.
     /// @throws kel::CError
     virtual void commit() = 0;

@@ -1,5 +1,7 @@
 #include "ResponseSink.h"
 
+#include <vantra/HTTPContentRange.h>
+
 #include <algorithm>
 #include <string>
 
@@ -30,6 +32,15 @@ std::string getHeaderBlocks(const CNetStringList& lines) {
     return text;
 }
 
+/// -1 when the header does not tell.
+kel::int64 getFirstPosition(const String& contentRange) {
+    try {
+        return CHTTPContentRange::parse(contentRange)->getFirst();
+    } catch (const CError&) {
+        return CHTTPContentRange::unknown;
+    }
+}
+
 } // namespace
 
 CResponseSink::CResponseSink(const CNetRequest& request, IOutput& output, bool includeHeaders)
@@ -45,11 +56,24 @@ void CResponseSink::write(const void* data, unsigned int length, int /*httpStatu
         keepErrorBody(static_cast<const unsigned char*>(data), length, status);
         return;
     }
+    checkRangeOnce(status);
     writeHeadersOnce();
     output_.write({static_cast<const char*>(data), length});
 }
 
 void CResponseSink::finish() { writeHeadersOnce(); }
+
+/// A server may ignore the header "Range" (RFC 9110 §14.2). Its answer is then not what the user asked for.
+void CResponseSink::checkRangeOnce(int status) {
+    constexpr int partialContent = 206;
+    if (!range_) return;
+    const CRangeArgument range = *range_;
+    range_.reset();
+    if (request_.getResponseCodeDomain() != "http" || range.isWhole()) return;
+    if (status != partialContent ||
+        getFirstPosition(request_.getResponseHeaderMap().lookup("content-range")) != range.getFirst())
+        throw CError(request_.getURL() + ": the server does not send the range asked for.");
+}
 
 void CResponseSink::writeHeadersOnce() {
     if (!headersPending_) return;

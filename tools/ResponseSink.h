@@ -3,10 +3,13 @@
 #pragma once
 
 #include "Output.h"
+#include "RangeArgument.h"
 
 #include <vantra/NetRequest.h>
 
 #include <kel/Buffer.h>
+
+#include <optional>
 
 namespace vantra::tool {
 
@@ -23,8 +26,12 @@ public:
     CResponseSink& operator=(const CResponseSink&) = delete;
     ~CResponseSink() override;
 
-    /// @throws what the output throws; kel::CError with the code domain "http" and the response's status once
-    /// enough of an unsuccessful response is known, so that no server can keep the transfer going with it.
+    /// Refuses the response of a server that does not heed the range asked for.
+    void expectRange(const CRangeArgument& range) { range_ = range; }
+
+    /// @throws what the output throws; kel::CError "URL: the server does not send the range asked for.";
+    /// kel::CError with the code domain "http" and the response's status once enough of an unsuccessful
+    /// response is known, so that no server can keep the transfer going with it.
     void write(const void* data, unsigned int length, int httpStatusCode,
                const kel::TMap<kel::String, kel::String>& responseHeaders) override;
 
@@ -36,12 +43,14 @@ public:
     [[nodiscard]] kel::String getServerMessage() const;
 
 private:
+    void checkRangeOnce(int status);
     void writeHeadersOnce();
     void keepErrorBody(const unsigned char* data, std::size_t length, int status);
 
     const CNetRequest& request_;
     IOutput& output_;
     bool headersPending_;
+    std::optional<CRangeArgument> range_; // until it was checked
     kel::TBuffer<unsigned char> errorBody_;
 };
 

@@ -1,6 +1,6 @@
 #include "TerminalText.h"
 
-#include "StandardFiles.h"
+#include "LiveLines.h"
 
 #include <string_view>
 
@@ -58,9 +58,9 @@ String shorten(const String& text, std::size_t maxLength) {
 
 void writeMessage(const String& text) noexcept {
     try {
-        writeStandardError("vantra: " + toTerminalLine(text) + "\n");
+        writeAboveLiveLines("vantra: " + toTerminalLine(text) + "\n");
     } catch (...) {
-        writeStandardError("vantra: out of memory\n");
+        writeAboveLiveLines("vantra: out of memory\n");
     }
 }
 

@@ -2,6 +2,7 @@
 /// Performing a request and telling the user of its failure.
 #pragma once
 
+#include "ProgressDisplay.h"
 #include "ResponseSink.h"
 #include "URLArgument.h"
 
@@ -10,8 +11,9 @@
 namespace vantra::tool {
 
 /// Performs the request with the sink as its destination; the user may interrupt it (see Interrupt.h).
-/// @throws kel::CError "URL: STATUS LINE: SERVER MESSAGE" for an HTTP response outside 200 to 299, "URL:
-/// MESSAGE" for any other failure of libcurl, for FTP with ": REPLY" of the server; what the output throws.
-void performTransfer(CNetRequest& request, const CURLArgument& url, CResponseSink& sink);
+/// @param line where progress is shown; null for nowhere.
+/// @throws kel::CError with the text of describeTransferFailure(); CClosedPipeError from the output.
+void performTransfer(CNetRequest& request, const CURLArgument& url, CResponseSink& sink,
+                     CProgressLine* line = nullptr);
 
 } // namespace vantra::tool

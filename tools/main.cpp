@@ -1,6 +1,7 @@
 #include "CommandLine.h"
 #include "LogHandler.h"
 #include "StandardFiles.h"
+#include "Verbs.h"
 
 #include <kel/Log.h>
 
@@ -8,5 +9,5 @@ int main(int argc, char** argv) {
     using namespace vantra::tool;
     prepareStandardFiles();
     kel::setLogHandler(new CLogHandler());
-    return runCommandLine(getArguments(argc, argv));
+    return runCommandLine(getArguments(argc, argv), &addVerbs);
 }

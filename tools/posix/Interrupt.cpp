@@ -1,5 +1,7 @@
 #include "Interrupt.h"
 
+#include "Errors.h"
+
 #include <array>
 #include <atomic>
 #include <csignal>
@@ -42,6 +44,8 @@ CInterruptGuard::~CInterruptGuard() {
 bool isInterrupted() noexcept { return notedSignal.load() != 0; }
 
 void endAsInterrupted() noexcept {
+    // Shells show this status for SIGINT anyway; every other caller is to see the same number.
+    if (notedSignal.load() == SIGINT) std::_Exit(ExitInterrupted);
     // A shell tells a program that a signal ended from one that merely failed, and stops its script.
     std::signal(notedSignal.load(), SIG_DFL);
     std::raise(notedSignal.load());

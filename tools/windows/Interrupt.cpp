@@ -1,5 +1,7 @@
 #include "Interrupt.h"
 
+#include "Errors.h"
+
 #include <atomic>
 #include <cstdlib>
 
@@ -9,9 +11,11 @@ namespace vantra::tool {
 
 namespace {
 
-std::atomic<bool> noted{false};
+constexpr DWORD nothing = MAXDWORD;
 
-BOOL WINAPI noteEvent(DWORD /*event*/) noexcept { return noted.exchange(true) ? FALSE : TRUE; }
+std::atomic<DWORD> notedEvent{nothing};
+
+BOOL WINAPI noteEvent(DWORD event) noexcept { return notedEvent.exchange(event) == nothing ? TRUE : FALSE; }
 
 } // namespace
 
@@ -19,11 +23,11 @@ CInterruptGuard::CInterruptGuard() noexcept { ::SetConsoleCtrlHandler(&noteEvent
 
 CInterruptGuard::~CInterruptGuard() { ::SetConsoleCtrlHandler(&noteEvent, FALSE); }
 
-bool isInterrupted() noexcept { return noted.load(); }
+bool isInterrupted() noexcept { return notedEvent.load() != nothing; }
 
 void endAsInterrupted() noexcept {
     constexpr int controlCExit = static_cast<int>(0xC000013A); // STATUS_CONTROL_C_EXIT
-    std::_Exit(controlCExit);
+    std::_Exit(notedEvent.load() == CTRL_C_EVENT ? ExitInterrupted : controlCExit);
 }
 
 } // namespace vantra::tool

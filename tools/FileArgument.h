@@ -1,0 +1,15 @@
+/// @file FileArgument.h
+/// A file named on the command line.
+#pragma once
+
+#include <kel/String.h>
+
+#include <string>
+
+namespace vantra::tool {
+
+/// @param option the option's name, for the error's text.
+/// @throws CUsageError for a name that is empty, not UTF-8, or that of a folder by the separator at its end.
+[[nodiscard]] kel::String parseFileArgument(const std::string& option, const std::string& argument);
+
+} // namespace vantra::tool

@@ -1,0 +1,37 @@
+/// @file LogOption.h
+/// The option of a transfer log.
+#pragma once
+
+#include "TransferLog.h"
+
+#include <kel/String.h>
+
+#include <memory>
+#include <optional>
+
+namespace CLI { // NOLINT(readability-identifier-naming)
+class App;
+}
+
+namespace vantra::tool {
+
+/// --log. Lives as long as the parser, which fills it.
+class CLogOption {
+public:
+    CLogOption() = default;
+    CLogOption(const CLogOption&) = delete;
+    CLogOption& operator=(const CLogOption&) = delete;
+
+    /// Adds the option to a verb. To be called once.
+    void addTo(CLI::App& verb);
+
+    /// The log to write, or null when the user wants none.
+    /// @throws kel::CError if the file cannot be created.
+    [[nodiscard]] std::unique_ptr<CTransferLog>
+    open(CTransferLog::Kind kind = CTransferLog::Kind::OneTransfer) const;
+
+private:
+    std::optional<kel::String> file_;
+};
+
+} // namespace vantra::tool

@@ -1,0 +1,73 @@
+#include "ProxyArgument.h"
+
+#include <curl/curl.h>
+
+#include "ArgumentText.h"
+#include "Errors.h"
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <new>
+
+namespace vantra::tool {
+
+using kel::String;
+
+namespace {
+
+constexpr std::array<const char*, 6> schemes{"http", "https", "socks4", "socks4a", "socks5", "socks5h"};
+
+struct URLDeleter {
+    void operator()(CURLU* url) const noexcept { curl_url_cleanup(url); }
+};
+
+[[noreturn]] void refuse(const std::string& option) {
+    throw CUsageError(String(option) + ": is neither 'system' nor 'none' nor the address of a proxy such as "
+                                       "http://gate.example:3128; its scheme may be http, https, socks4, "
+                                       "socks4a, socks5 or socks5h");
+}
+
+void checkScheme(const std::string& option, const String& address) {
+    const std::size_t end = address.find("://");
+    if (end == String::npos) return;
+    const String scheme = address.substr(0, end).toLower();
+    if (std::find(schemes.begin(), schemes.end(), scheme) == schemes.end()) refuse(option);
+}
+
+/// As libcurl will do it, which takes an address without a scheme for one of HTTP.
+void checkParts(const std::string& option, const String& address) {
+    const std::unique_ptr<CURLU, URLDeleter> url(curl_url());
+    if (!url) throw std::bad_alloc();
+    const unsigned int flags = CURLU_NON_SUPPORT_SCHEME | CURLU_GUESS_SCHEME;
+    if (curl_url_set(url.get(), CURLUPART_URL, address.toUTF8().c_str(), flags) != CURLUE_OK) refuse(option);
+    char* path = nullptr;
+    const CURLUcode result = curl_url_get(url.get(), CURLUPART_PATH, &path, 0);
+    const bool hasPath = result == CURLUE_OK && String(path) != "/";
+    curl_free(path);
+    if (hasPath) refuse(option);
+}
+
+} // namespace
+
+CProxyArgument::CProxyArgument(const std::string& option, const std::string& argument)
+    : address_(toArgumentText(option, argument)) {
+    isSystem_ = address_ == "system";
+    if (isSystem_ || address_ == "none") {
+        address_ = String();
+        return;
+    }
+    refuseControlCharacters(option, address_);
+    if (address_.isEmpty() || address_.contains(" ")) refuse(option);
+    checkScheme(option, address_);
+    checkParts(option, address_);
+}
+
+void CProxyArgument::applyTo(CNetRequest& request) const {
+    if (isSystem_)
+        request.setProxyForCurrentURLFromUserSettings();
+    else
+        request.setProxy(address_);
+}
+
+} // namespace vantra::tool

@@ -1,0 +1,26 @@
+#include "Terminal.h"
+
+#include <windows.h>
+
+namespace vantra::tool {
+
+bool isStandardErrorTerminal() noexcept {
+    const HANDLE file = ::GetStdHandle(STD_ERROR_HANDLE);
+    DWORD mode = 0;
+    // Consoles before Windows 10 refuse; they could only show the control sequences.
+    return ::GetConsoleMode(file, &mode) != 0 &&
+           ::SetConsoleMode(file, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
+}
+
+bool isStandardOutputTerminal() noexcept {
+    DWORD mode = 0;
+    return ::GetConsoleMode(::GetStdHandle(STD_OUTPUT_HANDLE), &mode) != 0;
+}
+
+TerminalSize getStandardErrorSize() noexcept {
+    CONSOLE_SCREEN_BUFFER_INFO info{};
+    if (::GetConsoleScreenBufferInfo(::GetStdHandle(STD_ERROR_HANDLE), &info) == 0) return {};
+    return {info.srWindow.Right - info.srWindow.Left + 1, info.srWindow.Bottom - info.srWindow.Top + 1};
+}
+
+} // namespace vantra::tool
