@@ -8,10 +8,26 @@
 #include <sigil/OpenSSLInit.h>
 
 #include <atomic>
+#include <exception>
 
 namespace vantra {
 
 using kel::P;
+
+namespace {
+
+/// Throws as a CError what the one call that started the library met.
+void throwAsError(const std::exception_ptr& failure) {
+    P<kel::CError> error;
+    try {
+        std::rethrow_exception(failure);
+    } catch (...) {
+        error = kel::CStdExceptionError::currentExceptionToError();
+    }
+    error->throwClone();
+}
+
+} // namespace
 
 /// Where the instance lives. A failure is remembered, so that callers who find no instance learn of it
 /// instead of waiting for one that will never come.
@@ -22,7 +38,7 @@ struct CGlobalInit::Holder {
     /// What the construction came to, for the one call that made the holder.
     struct Outcome {
         bool isConstructed = false;
-        P<kel::CError> error;
+        std::exception_ptr failure;
     };
 
     explicit Holder(Outcome& outcome) {
@@ -33,7 +49,9 @@ struct CGlobalInit::Holder {
             instance = new CGlobalInit();
             outcome.isConstructed = true;
         } catch (...) {
-            outcome.error = kel::CStdExceptionError::currentExceptionToError();
+            // Kept as it is: to make an error of it needs memory, and what is thrown here would undo the
+            // holder and leave the next caller waiting.
+            outcome.failure = std::current_exception();
         }
         state = outcome.isConstructed ? constructed : failed;
     }
@@ -55,7 +73,7 @@ const P<CGlobalInit>& CGlobalInit::get() {
     // Once the holder stands, since what is registered later is called earlier at the end of the process.
     if (outcome.isConstructed)
         kel::CSafeGlobalDisposer::get().addDisposeFunc(&CGlobalInit::disposeGlobalInstance);
-    if (outcome.error) outcome.error->throwClone();
+    if (outcome.failure) throwAsError(outcome.failure);
     for (;;) {
         switch (holder.state.load(std::memory_order_acquire)) {
         case Holder::constructed:

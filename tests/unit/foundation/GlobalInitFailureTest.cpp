@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <future>
 #include <iostream>
+#include <new>
 #include <string>
 #include <typeinfo>
 #include <vector>
@@ -125,6 +126,30 @@ TEST_F(GlobalInitFirstFailure, OfOpenSSLIsFinalToo) {
             exitWithErrorOf([] { CGlobalInit::get(); });
         },
         testing::ExitedWithCode(0), "^Construction of static object has failed\\.\nOpenSSL\n$");
+}
+
+/// An error that cannot be copied to the heap.
+class CLargeError : public CError {
+public:
+    CLargeError() : CError("too large to copy") {}
+    P<CError> clone() const override { throw std::bad_alloc(); }
+};
+
+TEST_F(GlobalInitFirstFailure, ThatCannotBeKeptIsFinalToo) {
+    EXPECT_EXIT(
+        {
+            globalinitseams::setOpenSSLHook([] { throw CLargeError(); });
+            // Nobody is made to wait for an instance that will never come.
+            globalinitseams::setThreadYieldHook([](bool) { std::exit(1); });
+            try {
+                CGlobalInit::get();
+            } catch (const std::bad_alloc&) {
+                std::cerr << "out of memory\n";
+            }
+            exitWithErrorOf([] { CGlobalInit::get(); });
+        },
+        testing::ExitedWithCode(0),
+        "^out of memory\nConstruction of static object has failed\\.\nOpenSSL\n$");
 }
 
 } // namespace

@@ -15,6 +15,7 @@ struct State {
     std::vector<std::string> events;
     CURLcode curlGlobalInitResult = CURLE_OK;
     bool openSSLFails = false;
+    std::function<void()> openSSLHook;
     std::function<void()> curlGlobalInitHook;
     std::function<void(bool)> threadYieldHook;
     kel::CSafeGlobalDisposer::DisposeFunc disposeFunc = nullptr;
@@ -53,6 +54,8 @@ void setCurlGlobalInitResult(CURLcode code) { getState().curlGlobalInitResult = 
 
 void setOpenSSLFails() { getState().openSSLFails = true; }
 
+void setOpenSSLHook(std::function<void()> hook) { getState().openSSLHook = std::move(hook); }
+
 void setCurlGlobalInitHook(std::function<void()> hook) { getState().curlGlobalInitHook = std::move(hook); }
 
 void setThreadYieldHook(std::function<void(bool sleepBriefly)> hook) {
@@ -83,6 +86,7 @@ extern "C" void __wrap_curl_global_cleanup() {
 extern "C" void __real__ZN5sigil12COpenSSLInit17ensureInitializedEv();
 extern "C" void __wrap__ZN5sigil12COpenSSLInit17ensureInitializedEv() {
     addEvent("OpenSSL");
+    if (getState().openSSLHook) getState().openSSLHook();
     if (getState().openSSLFails) throw kel::CError("OpenSSL initialization failed.");
     __real__ZN5sigil12COpenSSLInit17ensureInitializedEv();
 }

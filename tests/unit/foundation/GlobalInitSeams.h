@@ -20,6 +20,8 @@ std::vector<std::string> getEvents();
 void setCurlGlobalInitResult(CURLcode code);
 /// Makes OpenSSL's start throw kel::CError "OpenSSL initialization failed.".
 void setOpenSSLFails();
+/// Called by every start of OpenSSL before anything else; what it throws is how the start fails.
+void setOpenSSLHook(std::function<void()> hook);
 /// Called by every curl_global_init before anything else.
 void setCurlGlobalInitHook(std::function<void()> hook);
 /// Called by every kel::threadYield in place of yielding.
