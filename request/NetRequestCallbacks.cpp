@@ -4,6 +4,7 @@
 
 #include <kel/Log.h>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace vantra {
@@ -65,11 +66,26 @@ void CNetRequest::settleStatusCode() {
 std::size_t CNetRequest::readHandler(char* buffer, std::size_t size, std::size_t nmemb) noexcept {
     if (!sendDataSource_) return 0;
     try {
-        return sendDataSource_->read(buffer, static_cast<unsigned int>(size * nmemb), getResponseHeaderMap());
+        return readSendData(buffer, limitToSendData(size * nmemb));
     } catch (...) {
         storePendingError();
         return CURL_READFUNC_ABORT;
     }
+}
+
+/// libcurl would send all that a read gives, what lies behind the announced end of the body included.
+std::size_t CNetRequest::limitToSendData(std::size_t length) const noexcept {
+    if (sendDataSize_ < 0) return length;
+    const int64 left = std::max<int64>(sendDataSize_ - sendDataPosition_, 0);
+    return left < static_cast<int64>(length) ? static_cast<std::size_t>(left) : length;
+}
+
+std::size_t CNetRequest::readSendData(char* buffer, std::size_t length) {
+    if (length == 0) return 0;
+    const unsigned int count =
+        sendDataSource_->read(buffer, static_cast<unsigned int>(length), getResponseHeaderMap());
+    sendDataPosition_ += count;
+    return count;
 }
 
 int CNetRequest::seekHandler(int64 offset, int origin) noexcept {
@@ -77,20 +93,22 @@ int CNetRequest::seekHandler(int64 offset, int origin) noexcept {
     try {
         switch (origin) {
         case SEEK_SET:
-            sendDataSource_->seek(offset);
-            return CURL_SEEKFUNC_OK;
+            break;
         case SEEK_CUR:
-            sendDataSource_->seek(offset + sendDataSource_->getPosition());
-            return CURL_SEEKFUNC_OK;
+            offset += sendDataSource_->getPosition();
+            break;
         case SEEK_END: {
             const int64 size = sendDataSource_->getSize();
             if (size == -1) return CURL_SEEKFUNC_FAIL;
-            sendDataSource_->seek(offset + size);
-            return CURL_SEEKFUNC_OK;
+            offset += size;
+            break;
         }
         default:
             return CURL_SEEKFUNC_FAIL;
         }
+        sendDataSource_->seek(offset);
+        sendDataPosition_ = offset;
+        return CURL_SEEKFUNC_OK;
     } catch (...) {
         storePendingError();
         return CURL_SEEKFUNC_FAIL;

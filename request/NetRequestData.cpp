@@ -57,6 +57,7 @@ bool CNetRequest::usesDefaultReceiveBuffer() const noexcept { return receiveSink
 
 void CNetRequest::setSendDataSource(IDataSource* source) {
     sendDataSource_ = source;
+    sendDataPosition_ = 0;
     sendDataStream_ = nullptr;
 }
 

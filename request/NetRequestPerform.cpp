@@ -45,6 +45,7 @@ void CNetRequest::resetForPerform() {
     clearResponseLines();
     defaultReceiveStream_->seek(0);
     defaultReceiveBuffer_->setUsed(0);
+    sendDataPosition_ = 0;
     if (sendDataSource_ && sendDataSource_->getPosition() != 0) sendDataSource_->seek(0);
 }
 

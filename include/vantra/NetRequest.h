@@ -171,7 +171,7 @@ public:
     /// A source over the text's UTF-8 bytes, and their number as size.
     void setSendDataAsUTF8(const kel::String& text);
     /// The number of bytes to send (CURLOPT_INFILESIZE_LARGE, for "POST" CURLOPT_POSTFIELDSIZE_LARGE), or -1
-    /// when it is not known: HTTP/1.1 then sends chunks. Default: -1.
+    /// when it is not known: HTTP/1.1 then sends chunks. The source is not read beyond it. Default: -1.
     void setSendDataSize(kel::int64 size);
 
     // Data to receive
@@ -341,9 +341,11 @@ private:
     [[noreturn]] void throwError(CURLcode code, const kel::String& responseCodeDomain, int responseCode,
                                  const kel::String& message) const;
 
-    // Called by libcurl through the trampolines; none of them throws
+    // Called by libcurl through the trampolines; the handlers do not throw
     std::size_t writeHandler(const char* data, std::size_t size, std::size_t nmemb) noexcept;
     std::size_t readHandler(char* buffer, std::size_t size, std::size_t nmemb) noexcept;
+    [[nodiscard]] std::size_t limitToSendData(std::size_t length) const noexcept;
+    std::size_t readSendData(char* buffer, std::size_t length);
     int seekHandler(kel::int64 offset, int origin) noexcept;
     std::size_t headerHandler(const char* line, std::size_t length) noexcept;
     void handleHeaderLine(std::string_view line);
@@ -360,6 +362,7 @@ private:
     kel::P<IDataSource> sendDataSource_;
     kel::P<kel::IInStream> sendDataStream_;
     kel::int64 sendDataSize_ = -1;
+    kel::int64 sendDataPosition_ = 0; // up to where the source has been read in the present transfer
     char errorBuffer_[CURL_ERROR_SIZE] = {};
     bool verbose_ = false;
     VerboseLogData verboseData_ = VerboseLogDataByMethod;

@@ -191,6 +191,39 @@ TEST_F(ReadCallback, GivesTheSourcesBytesAndTheHeadersSoFar) {
     EXPECT_EQ(source_->lastHeaders, (Headers{{"a", "b"}}));
 }
 
+TEST_F(ReadCallback, StopsAtTheAnnouncedSize) {
+    request_->setSendDataSize(7);
+    char buffer[5];
+    EXPECT_EQ(curl().read(buffer, 1, 5), 5U);
+    EXPECT_EQ(curl().read(buffer, 1, 5), 2U);
+    EXPECT_EQ(curl().read(buffer, 1, 5), 0U);
+    EXPECT_THAT(source_->takeCalls(), ElementsAre("read 5 of 5", "read 2 of 2"));
+}
+
+TEST_F(ReadCallback, CountsTheAnnouncedSizeFromWhereASeekLedTo) {
+    request_->setSendDataSize(7);
+    char buffer[20];
+    EXPECT_EQ(curl().read(buffer, 1, 20), 7U);
+    curl().seek(4, 0);
+    EXPECT_EQ(curl().read(buffer, 1, 20), 3U);
+    curl().seek(-2, 1);
+    EXPECT_EQ(curl().read(buffer, 1, 20), 2U);
+    curl().seek(-10, 2);
+    EXPECT_EQ(curl().read(buffer, 1, 20), 7U);
+    curl().seek(9, 0);
+    EXPECT_EQ(curl().read(buffer, 1, 20), 0U);
+}
+
+TEST_F(ReadCallback, CountsTheAnnouncedSizeAnewForEachTransferAndSource) {
+    request_->setSendDataSize(7);
+    char buffer[20];
+    EXPECT_EQ(curl().read(buffer, 1, 20), 7U);
+    request_->setAsyncInfo(false, CURLE_OK);
+    EXPECT_EQ(curl().read(buffer, 1, 20), 7U);
+    request_->setSendDataSource(P<CRecordingSource>(new CRecordingSource("abcdefgh")));
+    EXPECT_EQ(curl().read(buffer, 1, 20), 7U);
+}
+
 TEST_F(ReadCallback, GivesZeroAtTheEnd) {
     char buffer[4];
     source_->position = 10;

@@ -66,6 +66,26 @@ TEST_F(WireMethod, PutOfUnknownLengthSendsChunks) {
     EXPECT_EQ(request_->getHTTPStatusLine(), "HTTP/1.1 200 OK");
 }
 
+TEST_F(WireMethod, NothingIsSentBehindTheAnnouncedLength) {
+    const std::map<std::string, std::string> headersByMethod = {
+        {"PUT", "Content-Length: 4\r\nExpect: 100-continue\r\n"},
+        {"POST", "Content-Length: 4\r\nContent-Type: application/x-www-form-urlencoded\r\n"},
+    };
+    for (const auto& [method, headers] : headersByMethod) {
+        for (const unsigned int blockSize : {1U, 3U, 10U}) {
+            request_->setHTTPMethod(String(method));
+            const P<CRecordingSource> source = new CRecordingSource("0123456789");
+            source->blockSize = blockSize;
+            request_->setSendDataSource(source);
+            request_->setSendDataSize(4);
+            for (int i = 0; i < 2; ++i) {
+                EXPECT_EQ(performAndGetBytes(), head(method, headers) + "0123") << blockSize;
+                EXPECT_EQ(source->position, 4) << blockSize;
+            }
+        }
+    }
+}
+
 TEST_F(WireMethod, PostSendsTheDataWithItsLength) {
     request_->setHTTPMethod("POST");
     request_->setSendDataAsUTF8("a=b&c=d");
