@@ -24,6 +24,7 @@ add_library(vantra_objects OBJECT
     proxy/DesktopProxy.cpp
     proxy/ProxySettings.cpp
     ${VANTRA_PROXY_SOURCES}
+    request/LogCredentials.cpp
     request/NetRequest.cpp
     request/NetRequestAsync.cpp
     request/NetRequestCallbacks.cpp

@@ -1,3 +1,4 @@
+#include "request/LogCredentials.h"
 #include "request/OptionSetter.h"
 #include "vantra/NetRequest.h"
 
@@ -15,8 +16,6 @@ using kel::P;
 using kel::String;
 
 namespace {
-
-constexpr const char* strippedText = "~stripped~";
 
 /// How a kind of message appears in the log.
 struct MessageAppearance {
@@ -50,29 +49,6 @@ MessageAppearance getAppearance(curl_infotype type, CNetRequest::VerboseLogData 
     default:
         return {"unknown", nullptr, true, true};
     }
-}
-
-/// Strips the value of every Authorization header, that of a proxy included, however its name is spelt.
-/// libcurl repeats the headers of an HTTP/2 request in its informational texts too, hence this is for all but
-/// data.
-String stripCredentials(const String& text) {
-    constexpr std::wstring_view marker = L"authorization:";
-    const String lower = text.toLower();
-    const std::wstring_view source = text.view();
-    String stripped;
-    std::size_t copied = 0;
-    for (;;) {
-        const std::size_t found = lower.view().find(marker, copied);
-        if (found == std::wstring_view::npos) break;
-        std::size_t start = found + marker.size();
-        while (start < source.size() && (source[start] == L' ' || source[start] == L'\t')) ++start;
-        const std::size_t end = std::min(source.find(L'\n', start), source.size());
-        stripped.append(source.substr(copied, start - copied));
-        if (end > start) stripped.append(String(strippedText).view());
-        copied = end;
-    }
-    stripped.append(source.substr(copied));
-    return stripped;
 }
 
 } // namespace
@@ -117,22 +93,27 @@ P<CXMLElement> CNetRequest::getVerboseOutput(unsigned int maxDataLength) const {
     P<CXMLElement> root = new CXMLElement("NetRequest");
     root->addAttribute("httpMethod", method_);
     root->addAttribute("url", url_);
-    for (const CVerboseLogMessage& message : verboseMessages_) {
-        const P<CXMLElement> element = createVerboseXmlElement(message, maxDataLength);
-        if (element) root->addChild(element);
-    }
+    CLogCredentials credentials(isHTTP_);
+    for (const CVerboseLogMessage& message : verboseMessages_)
+        root->addChild(renderLogMessage(message, maxDataLength, credentials));
     return root;
 }
 
 P<CXMLElement> CNetRequest::createVerboseXmlElement(const CVerboseLogMessage& message,
                                                     unsigned int maxDataLength) const {
+    CLogCredentials credentials(isHTTP_);
+    return renderLogMessage(message, maxDataLength, credentials);
+}
+
+P<CXMLElement> CNetRequest::renderLogMessage(const CVerboseLogMessage& message, unsigned int maxDataLength,
+                                             CLogCredentials& credentials) const {
     const MessageAppearance appearance = getAppearance(message.type, verboseDataInEffect_, verboseSSLData_);
     P<CXMLElement> element = new CXMLElement(appearance.element);
     if (appearance.type) element->addAttribute("type", appearance.type);
     element->addAttribute("logTime", CTimeFields(message.time).toISODateTime(3));
 
     const std::size_t shown = std::min<std::size_t>(message.size, maxDataLength);
-    String text = strippedText;
+    String text(strippedLogText);
     if (appearance.showsContent) {
         text = String::fromLatin1({reinterpret_cast<const char*>(message.data.getData()), shown});
         if (appearance.isData) text = CURI::escape(text);
@@ -140,7 +121,7 @@ P<CXMLElement> CNetRequest::createVerboseXmlElement(const CVerboseLogMessage& me
     if (appearance.isData) element->addAttribute("bytes", String::fromUInt(message.size));
     if (shown < message.size) text += "...";
     text = text.trimRight();
-    if (!appearance.isData) text = stripCredentials(text);
+    if (!appearance.isData) text = credentials.strip(message.type, text);
     element->setText(text);
     return element;
 }

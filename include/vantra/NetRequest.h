@@ -40,6 +40,7 @@
 namespace vantra {
 
 class CAsyncNetRequestManager;
+class CLogCredentials;
 
 /// One transfer on one libcurl easy handle: HTTP(S), FTP(S) or SMTP(S). Settings stay until they are changed
 /// or reset(); a request may be performed any number of times and then reuses its connections. What is known
@@ -272,7 +273,12 @@ public:
     /// "httpMethod" and "url", and a child for each message of libcurl with its "logTime" (UTC): "info",
     /// "send" or "receive", the latter two with "type" "header", "data" or "ssl_data" and for data their size
     /// as "bytes". Of each message at most `maxDataLength` bytes are shown; "..." marks where something was
-    /// left out. The value of an "Authorization" header is never shown. To be called when no transfer runs.
+    /// left out. To be called when no transfer runs.
+    ///
+    /// Credentials sent are shown as "~stripped~": the values of "Authorization" and "Proxy-Authorization"
+    /// headers, what follows PASS and ACCT of FTP, and what follows AUTH of SMTP up to the server's verdict.
+    /// Bodies and addresses are not searched: a name and password belong into setUserName and
+    /// setUserPassword and not into the URL, which is shown as it is.
     [[nodiscard]] kel::P<kel::CXMLElement> getVerboseOutput(unsigned int maxDataLength) const;
     /// libcurl's CURLOPT_DEBUGFUNCTION; `request` is the CNetRequest, null for nothing. Always 0.
     static int _curlDebugFunctionCallback(CURL* handle, curl_infotype type, char* data, std::size_t size,
@@ -334,6 +340,9 @@ private:
     void throwAsyncFailure() const;
     void resetForPerform();
     void settleVerboseData();
+    [[nodiscard]] kel::P<kel::CXMLElement> renderLogMessage(const CVerboseLogMessage& message,
+                                                            unsigned int maxDataLength,
+                                                            CLogCredentials& credentials) const;
     void notifyDoneListener(const kel::CError* error);
     void clearErrorBuffer() noexcept { errorBuffer_[0] = 0; }
     [[nodiscard]] kel::String getErrorMessage() const;

@@ -63,6 +63,15 @@ protected:
         return texts;
     }
 
+    /// The texts of all messages.
+    std::vector<std::string> getTexts() const {
+        std::vector<std::string> texts;
+        const kel::P<kel::CXMLElement> root = request_->getVerboseOutput(all);
+        for (const kel::P<kel::CXMLElement>& child : root->getChildren())
+            texts.push_back(child->getText().toUTF8());
+        return texts;
+    }
+
     /// Performs a transfer that sends and receives ten bytes, and gives the texts of the two.
     std::vector<std::string> performAndLogBodies(const kel::String& method) {
         request_->setHTTPMethod(method);
@@ -73,11 +82,7 @@ protected:
             return CURLE_OK;
         });
         request_->perform();
-        std::vector<std::string> texts;
-        const kel::P<kel::CXMLElement> root = request_->getVerboseOutput(all);
-        for (const kel::P<kel::CXMLElement>& child : root->getChildren())
-            texts.push_back(child->getText().toUTF8());
-        return texts;
+        return getTexts();
     }
 
     void setSettings(int data, int sslData) {

@@ -2,11 +2,14 @@
 
 #include "vantra/NetRequest.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace vantra::test {
 
 namespace {
+
+using testing::ElementsAre;
 
 using VerboseLogMessage = VerboseLog;
 
@@ -160,6 +163,58 @@ TEST_F(VerboseLogMessage, StripsItInInformationalTexts) {
               "info [T] h2h3 [authorization: ~stripped~");
     EXPECT_EQ(render(CURLINFO_TEXT, "[HTTP/2] [1] [proxy-authorization: Basic s]\n"),
               "info [T] [HTTP/2] [1] [proxy-authorization: ~stripped~");
+}
+
+TEST_F(VerboseLogMessage, StripsThePasswordAndAccountOfAnFTPLogin) {
+    request_->setURL("ftp://example.org/");
+    EXPECT_EQ(render(CURLINFO_HEADER_OUT, "USER someone\r\n"), "send [type=header T] USER someone");
+    EXPECT_EQ(render(CURLINFO_HEADER_OUT, "PASS se cret\r\n"), "send [type=header T] PASS ~stripped~");
+    EXPECT_EQ(render(CURLINFO_HEADER_OUT, "pass secret\r\n"), "send [type=header T] pass ~stripped~");
+    EXPECT_EQ(render(CURLINFO_HEADER_OUT, "ACCT secret\r\n"), "send [type=header T] ACCT ~stripped~");
+    EXPECT_EQ(render(CURLINFO_HEADER_OUT, "PASS secret\r\n", 8), "send [type=header T] PASS ~stripped~");
+    EXPECT_EQ(render(CURLINFO_HEADER_OUT, "PASS \r\n"), "send [type=header T] PASS");
+    EXPECT_EQ(render(CURLINFO_HEADER_OUT, "PASV\r\n"), "send [type=header T] PASV");
+    EXPECT_EQ(render(CURLINFO_HEADER_IN, "PASS on\r\n"), "receive [type=header T] PASS on");
+}
+
+TEST_F(VerboseLogMessage, LeavesTheStartOfTLSOnAnFTPConnection) {
+    request_->setURL("ftp://example.org/");
+    debug(CURLINFO_HEADER_OUT, "AUTH SSL\r\n");
+    debug(CURLINFO_HEADER_IN, "234 AUTH SSL successful\r\n");
+    debug(CURLINFO_HEADER_OUT, "USER someone\r\n");
+    EXPECT_THAT(getTexts(), ElementsAre("AUTH SSL", "234 AUTH SSL successful", "USER someone"));
+}
+
+TEST_F(VerboseLogMessage, StripsTheWholeExchangeOfAnSMTPLogin) {
+    request_->setURL("smtp://example.org/");
+    debug(CURLINFO_HEADER_OUT, "AUTH LOGIN\r\n");
+    debug(CURLINFO_HEADER_IN, "334 VXNlcm5hbWU6\r\n");
+    debug(CURLINFO_HEADER_OUT, "dXNlcg==\r\n");
+    debug(CURLINFO_TEXT, "not a reply\n");
+    debug(CURLINFO_HEADER_IN, "334 UGFzc3dvcmQ6\r\n");
+    debug(CURLINFO_HEADER_OUT, "c2VjcmV0\r\n");
+    debug(CURLINFO_HEADER_IN, "535 5.7.8 no\r\n");
+    debug(CURLINFO_HEADER_OUT, "auth plain AHVzZXIAc2VjcmV0\r\n");
+    debug(CURLINFO_HEADER_IN, "235 2.7.0 welcome\r\n");
+    debug(CURLINFO_HEADER_OUT, "MAIL FROM:<a@example.org>\r\n");
+    const auto expected = ElementsAre(
+        "AUTH LOGIN", "334 VXNlcm5hbWU6", "~stripped~", "not a reply", "334 UGFzc3dvcmQ6", "~stripped~",
+        "535 5.7.8 no", "auth plain ~stripped~", "235 2.7.0 welcome", "MAIL FROM:<a@example.org>");
+    EXPECT_THAT(getTexts(), expected);
+    EXPECT_THAT(getTexts(), expected);
+}
+
+TEST_F(VerboseLogMessage, StripsTheAuthorizationAtTheProxyOfAnFTPTransfer) {
+    request_->setURL("ftp://example.org/");
+    EXPECT_EQ(render(CURLINFO_HEADER_OUT,
+                     "CONNECT example.org:21 HTTP/1.1\r\nProxy-Authorization: Basic s\r\n\r\n"),
+              "send [type=header T] CONNECT example.org:21 HTTP/1.1\r\nProxy-Authorization: ~stripped~");
+}
+
+TEST_F(VerboseLogMessage, ShowsTheHeadersOfHTTPThatLookLikeALogin) {
+    EXPECT_EQ(render(CURLINFO_HEADER_OUT, "PASS /path HTTP/1.1\r\n"),
+              "send [type=header T] PASS /path HTTP/1.1");
+    EXPECT_EQ(render(CURLINFO_HEADER_OUT, "AUTH a b\r\n"), "send [type=header T] AUTH a b");
 }
 
 TEST_F(VerboseLogMessage, ShowsBodiesAsTheyAre) {
