@@ -151,7 +151,7 @@ constexpr const char* reverseProxyTemplate = R"(
             proxy_http_version 1.1;
             proxy_set_header Host $http_host;
             proxy_buffering off;
-            proxy_request_buffering off;
+            proxy_request_buffering @REQUESTBUFFERING@;
         }
     }
 )";
@@ -200,7 +200,8 @@ std::string reverseProxies(const NginxConfiguration& configuration) {
         text += filled(reverseProxyTemplate,
                        {{"PORT", std::to_string(configuration.ports.reverseProxies.at(index))},
                         {"PROTOCOLS", proxy.isHttp2 ? "ssl http2" : "ssl"},
-                        {"UPSTREAM", std::to_string(proxy.upstreamPort)}});
+                        {"UPSTREAM", std::to_string(proxy.upstreamPort)},
+                        {"REQUESTBUFFERING", proxy.buffersRequests ? "on" : "off"}});
     }
     return text;
 }

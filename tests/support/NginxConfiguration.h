@@ -15,6 +15,7 @@ namespace testsupport {
 struct ReverseProxy {
     std::uint16_t upstreamPort = 0; ///< a plain HTTP port of 127.0.0.1
     bool isHttp2 = false;           ///< whether clients may use HTTP/2; otherwise HTTP/1.1 only
+    bool buffersRequests = false;   ///< whether a request waits until all of its body has come
 };
 
 /// The ports of NginxServer, all of 127.0.0.1.

@@ -1,41 +1,17 @@
-#include "support/ScriptedServer.h"
+#include "BigFileSource.h"
 #include "WebServer.h"
+
+#include "support/ScriptedServer.h"
 
 #include <kel/MemoryStream.h>
 
-using kel::int64;
 using kel::P;
 using kel::String;
 using kel::TBuffer;
-using kel::TMap;
 using testsupport::NginxServer;
 using vantra::CNetRequest;
 
 namespace {
-
-/// The bytes of the big file, of unknown size, and not to be read twice when told so.
-class CUnknownSizeSource : public kel::CBase, public CNetRequest::IDataSource {
-public:
-    explicit CUnknownSizeSource(bool canSeek) : canSeek_(canSeek) {}
-
-    unsigned int read(void* buffer, unsigned int maxLength,
-                      const TMap<String, String>& /*headers*/) override {
-        const std::size_t count = NginxServer::bigContent().copy(static_cast<char*>(buffer), maxLength,
-                                                                 static_cast<std::size_t>(position_));
-        position_ += static_cast<int64>(count);
-        return static_cast<unsigned int>(count);
-    }
-    int64 getSize() override { return -1; }
-    void seek(int64 position) override {
-        if (!canSeek_) throw kel::CError("This source cannot go back.");
-        position_ = position;
-    }
-    int64 getPosition() override { return position_; }
-
-private:
-    bool canSeek_;
-    int64 position_ = 0;
-};
 
 class Upload : public OverHTTPAndHTTPS {};
 
@@ -55,7 +31,7 @@ TEST_P(Upload, PutsABufferOfKnownSize) {
 }
 
 TEST_P(Upload, PutsASourceOfUnknownSize) {
-    const P<CUnknownSizeSource> source = new CUnknownSizeSource(true);
+    const P<CBigFileSource> source = new CBigFileSource(true);
     const P<CNetRequest> request = makeRequest(url("/put/unknown.bin"));
     request->setHTTPMethod("PUT");
     request->setSendDataSource(source);
@@ -85,7 +61,7 @@ TEST_P(Upload, PostsTextAsUTF8) {
 }
 
 TEST_P(Upload, PostsASourceOfUnknownSize) {
-    const P<CUnknownSizeSource> source = new CUnknownSizeSource(true);
+    const P<CBigFileSource> source = new CBigFileSource(true);
     const P<CNetRequest> request = makeRequest(url("/echo"));
     request->setHTTPMethod("POST");
     request->setSendDataSource(source);
@@ -104,7 +80,7 @@ TEST_P(Upload, DeletesWithACustomMethod) {
 }
 
 TEST(UploadHTTP, ShowsTheInterimResponseOfALargeBody) {
-    const P<CUnknownSizeSource> source = new CUnknownSizeSource(true);
+    const P<CBigFileSource> source = new CBigFileSource(true);
     const P<CNetRequest> request = makeRequest(webServer().url("/put/expect.bin"));
     request->setHTTPMethod("PUT");
     const P<vantra::CNetHeaders> headers = new vantra::CNetHeaders();
@@ -124,7 +100,7 @@ TEST(UploadHTTP, FailsClearlyWhenASourceCannotGoBackForARedirect) {
     testsupport::ScriptedServer server;
     server.play(testsupport::Script().expectRequest().send(
         "HTTP/1.1 307 Temporary Redirect\r\nLocation: /again\r\nContent-Length: 0\r\n\r\n"));
-    const P<CUnknownSizeSource> source = new CUnknownSizeSource(false);
+    const P<CBigFileSource> source = new CBigFileSource(false);
     const P<CNetRequest> request = makeRequest(server.url());
     request->setHTTPMethod("POST");
     request->setSendDataSource(source);

@@ -277,6 +277,25 @@ TEST(NginxServer, PutsTlsBeforeAnotherServer) {
     }
 }
 
+TEST(NginxServer, HandsARequestOnWithItsWholeBodyIfToldSo) {
+    ScriptedServer upstream([](ScriptedConnection& connection) {
+        while (const auto request = connection.readRequest())
+            connection.send(okResponse(request->header("Content-Length").value_or("chunked")));
+    });
+    NginxOptions options;
+    options.reverseProxies = {{upstream.port(), false, false}, {upstream.port(), false, true}};
+    NginxServer server(options);
+    const TempDir folder;
+    const std::string file = folder.writeFile("body", NginxServer::bigContent());
+    const auto lengthSeen = [&](std::size_t index) {
+        return curl({"--cacert", server.caFile(), "--header", "Transfer-Encoding: chunked", "--data-binary",
+                     "@" + file, NginxServer::httpsUrl(server.ports().reverseProxies.at(index))})
+            .standardOutput;
+    };
+    EXPECT_EQ(lengthSeen(0), "chunked");
+    EXPECT_EQ(lengthSeen(1), std::to_string(NginxServer::bigContent().size()));
+}
+
 TEST(NginxServer, TakesAnAuthorityAndMoreLocations) {
     NginxOptions options;
     options.authority = std::make_shared<CertificateAuthority>("given CA");
