@@ -13,6 +13,13 @@ add_library(vantra_objects OBJECT
     foundation/CURLError.cpp
     foundation/GlobalInit.cpp
     foundation/RootCertBundle.cpp
+    ftp/Commands.cpp
+    ftp/FactLine.cpp
+    ftp/FTPClient.cpp
+    ftp/FTPClientOperations.cpp
+    ftp/FTPDirEntry.cpp
+    ftp/FTPGetInfoResult.cpp
+    ftp/FTPListDirResult.cpp
     http/HeaderAssembler.cpp
     http/HeaderValues.cpp
     http/HTTPContentRange.cpp

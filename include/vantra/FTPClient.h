@@ -1,0 +1,153 @@
+/// @file vantra/FTPClient.h
+/// Files and directories on an FTP server.
+///
+///     P<CFTPClient> client = new CFTPClient("ftp.example.org", "user", "secret",
+///     CFTPClient::ConnectExplicitTLS); P<CNetRequest> request = new CNetRequest();
+///     client->prepareUploadRequest(*request, "/reports/2019/april.txt", data, size, true);
+///     request->perform(); // throws CCURLError
+#pragma once
+
+#include "vantra/Export.h"
+#include "vantra/FTPListDirResult.h"
+#include "vantra/NetRequest.h"
+
+#include <kel/Base.h>
+#include <kel/Int64.h>
+#include <kel/P.h>
+#include <kel/String.h>
+
+namespace vantra {
+
+/// Turns operations on one server into transfers. Each operation is a single transfer: prepare...Request
+/// resets the given request and configures it, and the caller performs it, at once or on an asynchronous
+/// thread. Settings of the caller's own (setRootCertBundlePath, time limits, sinks, a done listener) go
+/// between the two. A request that is used again keeps its connection and login.
+///
+/// Failures are those of CNetRequest::perform: CCURLError with the server's last reply code in the domain
+/// "ftp". Nothing is asked of the server beforehand.
+///
+/// Thread safety: any number of threads may prepare requests, each its own; setOverrideCWDType and assignment
+/// need the client for themselves.
+///
+/// # Paths
+///
+/// A path begins with "/"; the empty path is the directory that the login leads to. Some operations put it
+/// into the URL of the transfer, where it is read as a part of a URL, others into a command, where it stands
+/// for itself. Nothing is escaped on either way:
+///
+/// | path of                                                       | goes into                       |
+/// |---------------------------------------------------------------|---------------------------------|
+/// | download, upload, list                                        | the URL                         |
+/// | get info, verify exists, remove, delete                       | a command                       |
+/// | create directory; move without missing directories            | a command                       |
+/// | create directory with parents; move with missing directories  | both, of a move the target only |
+///
+/// In a URL "%41" is "A", "#" ends the path, ";type=X" at the end chooses a transfer type and is cut off,
+/// "/./" and "/../" are resolved, and a blank makes the URL invalid (CURLE_URL_MALFORMAT). escapePath() makes
+/// the path for a URL that stands for a given name. A name of letters, digits, "-", ".", "_" and "~", of
+/// characters outside ASCII, and of most other ones is the same on both ways.
+///
+/// In a URL a path is relative to the login's directory, in a command "/" is what the server takes for its
+/// root; servers that confine users to their directory make no difference there. On others give absolute
+/// paths with two slashes in front ("//srv/data"), which both ways read alike.
+class VANTRA_API CFTPClient : public kel::CBase {
+public:
+    enum ConnectType : int {
+        ConnectUnencrypted = 0, ///< "ftp://" without TLS
+        ConnectExplicitTLS = 1, ///< "ftp://", TLS required on control and data connections (CURLUSESSL_ALL)
+        ConnectImplicitTLS = 2  ///< "ftps://", TLS from the first byte on
+    };
+
+    /// How the transfer gets to the directory of the URL's path (CURLOPT_FTP_FILEMETHOD).
+    enum CWDType : int {
+        CWDInvalid = -1, ///< libcurl's default
+        CWDSteps = 0,    ///< a CWD for each directory of the path (CURLFTPMETHOD_MULTICWD)
+        CWDDirect = 1,   ///< one CWD to the whole directory (CURLFTPMETHOD_SINGLECWD)
+        CWDNone = 2      ///< no CWD; the whole path in the command (CURLFTPMETHOD_NOCWD)
+    };
+
+    /// @param host the server, with ":" and a port when it is not the scheme's own.
+    CFTPClient(const kel::String& host, const kel::String& user, const kel::String& password,
+               ConnectType type);
+    CFTPClient(const CFTPClient&);
+    CFTPClient(CFTPClient&&) noexcept;
+    CFTPClient& operator=(const CFTPClient&);
+    CFTPClient& operator=(CFTPClient&&) noexcept;
+    ~CFTPClient() override;
+
+    /// Walks every request prepared from now on in this way. CWDInvalid, the default, chooses for each
+    /// operation: CWDSteps where missing directories are created, which libcurl can do in whole only while it
+    /// goes step by step, and CWDNone elsewhere. With CWDDirect only the last directory is created, with
+    /// CWDNone none.
+    void setOverrideCWDType(CWDType type) noexcept { overrideCWDType_ = type; }
+
+    /// "CWDInvalid", "CWDSteps", "CWDDirect" or "CWDNone".
+    /// @throws kel::CError "Unknown CWDType: NUMBER" for any other value.
+    [[nodiscard]] static kel::String cwdTypeToString(CWDType type);
+
+    /// The path as an operation that puts it into the URL needs it: every byte but letters, digits, "-", ".",
+    /// "_", "~" and "/" as "%" and two hexadecimal digits (RFC 3986 §2.1).
+    [[nodiscard]] static kel::String escapePath(const kel::String& path);
+
+    // Preparing. Each resets the request first.
+
+    /// A download to the request's receive side.
+    /// @param first position of the first byte wanted. @param length number of bytes wanted, at least 1, or
+    /// -1 for all that follow (CURLOPT_RANGE).
+    void prepareDownloadRequest(CNetRequest& request, const kel::String& path, kel::int64 first,
+                                kel::int64 length) const;
+    /// Stores bytes under the path, in place of a file that is there.
+    /// @param data copied. @param size number of bytes.
+    /// @param createMissingDirs whether the directories on the way are created.
+    /// @throws kel::CInvalidArgError "size is negative" and "data is null" (with a size above 0).
+    void prepareUploadRequest(CNetRequest& request, const kel::String& path, const void* data, int size,
+                              bool createMissingDirs) const;
+    /// The listing of a directory for CFTPListDirResult (MLSD, RFC 3659 §7).
+    void prepareListDirRequest(CNetRequest& request, const kel::String& dirPath) const;
+    /// The facts of one entry for CFTPGetInfoResult, which reads the request's response info (MLST).
+    void prepareGetInfoRequest(CNetRequest& request, const kel::String& path) const;
+    /// A transfer that fails, with CURLE_QUOTE_ERROR and response code 550, when the entry does not exist.
+    /// The same as a get-info request.
+    void prepareVerifyExistsRequest(CNetRequest& request, const kel::String& path) const;
+    /// @param createParents whether the directories on the way are created. The walk to the directory, which
+    /// is then listed, creates them and the directory itself. What is there already is no failure, unless
+    /// libcurl is 8.15 or later: it sends the MKD after the walk, which older ones leave out before a
+    /// listing, and a server refuses that for a directory that is there (CURLE_QUOTE_ERROR with response code
+    /// 550 or 521). Everything has been created then; prepareVerifyExistsRequest() tells.
+    void prepareCreateDirRequest(CNetRequest& request, const kel::String& dirPath, bool createParents) const;
+    /// Removes an empty directory.
+    void prepareRemoveDirRequest(CNetRequest& request, const kel::String& dirPath) const;
+    void prepareDeleteFileRequest(CNetRequest& request, const kel::String& path) const;
+    void prepareMoveFileRequest(CNetRequest& request, const kel::String& from, const kel::String& to,
+                                bool createMissingDirs) const;
+    void prepareMoveDirRequest(CNetRequest& request, const kel::String& from, const kel::String& to,
+                               bool createMissingDirs) const;
+
+    // Performing on the calling thread.
+
+    void createDir(CNetRequest& request, const kel::String& dirPath, bool createParents) const;
+    void removeDir(CNetRequest& request, const kel::String& dirPath) const;
+    void deleteFile(CNetRequest& request, const kel::String& path) const;
+    /// @throws also what CFTPListDirResult's constructor throws.
+    [[nodiscard]] kel::P<CFTPListDirResult> listDir(CNetRequest& request, const kel::String& dirPath) const;
+    /// Deletes the files of a directory and, depth first, its directories, then the directory itself. Entries
+    /// that are neither (links, for one) are left alone, so that their directory cannot be removed. The first
+    /// failure ends it; what was deleted until then stays deleted.
+    void deleteDirWithAllContents(CNetRequest& request, const kel::String& dirPath) const;
+
+protected:
+    /// What all preparations begin with: resets the request and sets URL, login, TLS and the walk to the
+    /// path's directory.
+    void beginPrepareRequest(CNetRequest& request, const kel::String& path, bool createMissingDirs) const;
+
+private:
+    void prepareCommandsRequest(CNetRequest& request, CNetStringList* commands) const;
+
+    kel::String host_;
+    kel::String user_;
+    kel::String password_;
+    ConnectType connectType_;
+    CWDType overrideCWDType_ = CWDInvalid;
+};
+
+} // namespace vantra
