@@ -1,6 +1,8 @@
 #include "sigil/Base64.h"
 
 #include <algorithm>
+#include <array>
+#include <limits>
 #include <new>
 #include <string>
 
@@ -24,6 +26,26 @@ kel::String base64Encode(const void* data, std::size_t size) {
         out += EVP_EncodeBlock(out, bytes + done, part);
     }
     return kel::String::fromLatin1(text);
+}
+
+void appendBase64Lines(kel::TBuffer<unsigned char>& out, const void* data, std::size_t size) {
+    constexpr std::size_t bytesOnALine = 57;
+    constexpr std::size_t lineLength = 76;
+    if (size > std::numeric_limits<std::size_t>::max() / 4) throw std::bad_alloc();
+    out.reserve(out.getUsed() + (size + 2) / 3 * 4 + size / bytesOnALine * 2);
+
+    const auto* bytes = static_cast<const unsigned char*>(data);
+    std::array<unsigned char, lineLength + 2> line; // with room for the CR LF, or OpenSSL's NUL
+    while (size > bytesOnALine) {
+        EVP_EncodeBlock(line.data(), bytes, static_cast<int>(bytesOnALine));
+        line[lineLength] = '\r';
+        line[lineLength + 1] = '\n';
+        out.append(line.data(), line.size());
+        bytes += bytesOnALine;
+        size -= bytesOnALine;
+    }
+    const int length = EVP_EncodeBlock(line.data(), bytes, static_cast<int>(size));
+    out.append(line.data(), static_cast<std::size_t>(length));
 }
 
 } // namespace sigil

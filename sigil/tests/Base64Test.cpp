@@ -69,4 +69,40 @@ TEST(Base64, EncodesLongDataOnOneLine) {
     }
 }
 
+std::string encodeLines(std::string_view bytes) {
+    kel::TBuffer<unsigned char> lines;
+    sigil::appendBase64Lines(lines, bytes.data(), bytes.size());
+    return {reinterpret_cast<const char*>(lines.getData()), lines.getUsed()};
+}
+
+TEST(Base64Lines, AreAsLongAsRFC2045Allows) {
+    EXPECT_EQ(encodeLines(std::string(171, 'a')), encode(std::string(57, 'a')) + "\r\n" +
+                                                      encode(std::string(57, 'a')) + "\r\n" +
+                                                      encode(std::string(57, 'a')));
+    EXPECT_EQ(encodeLines(std::string(57, 'a')).size(), 76U);
+}
+
+TEST(Base64Lines, EndWithoutALineBreak) {
+    EXPECT_EQ(encodeLines(""), "");
+    EXPECT_EQ(encodeLines("f"), "Zg==");
+    EXPECT_EQ(encodeLines(std::string(56, 'a')), encode(std::string(56, 'a')));
+    EXPECT_EQ(encodeLines(std::string(58, 'a')), encode(std::string(57, 'a')) + "\r\nYQ==");
+}
+
+TEST(Base64Lines, AreAppended) {
+    kel::TBuffer<unsigned char> lines(reinterpret_cast<const unsigned char*>("> "), 2);
+    sigil::appendBase64Lines(lines, "foo", 3);
+    sigil::appendBase64Lines(lines, nullptr, 0);
+    EXPECT_EQ(std::string(lines.begin(), lines.end()), "> Zm9v");
+}
+
+TEST(Base64Lines, HoldEveryByteOnce) {
+    std::string bytes;
+    for (int i = 0; i < 1000; ++i) bytes += static_cast<char>(i * 7);
+    std::string joined;
+    for (const char c : encodeLines(bytes))
+        if (c != '\r' && c != '\n') joined += c;
+    EXPECT_EQ(joined, encodeByDefinition(bytes));
+}
+
 } // namespace
