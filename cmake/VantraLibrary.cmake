@@ -28,6 +28,13 @@ add_library(vantra_objects OBJECT
     http/NetStringList.cpp
     http/ServerInfo.cpp
     http/URLEncoding.cpp
+    mail/Attachment.cpp
+    mail/Boundary.cpp
+    mail/MimeMessage.cpp
+    mail/MultiPartMimeMessage.cpp
+    mail/SMTPClient.cpp
+    mail/SMTPParams.cpp
+    mail/TransferEncoding.cpp
     proxy/DesktopProxy.cpp
     proxy/ProxySettings.cpp
     ${VANTRA_PROXY_SOURCES}
