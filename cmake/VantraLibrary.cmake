@@ -48,7 +48,17 @@ add_library(vantra_objects OBJECT
     request/NetRequestPerform.cpp
     request/NetRequestResponseLines.cpp
     request/NetRequestSettings.cpp
-    request/NetRequestVerboseLog.cpp)
+    request/NetRequestVerboseLog.cpp
+    s3/AnswerDocument.cpp
+    s3/Endpoint.cpp
+    s3/QuietXMLLog.cpp
+    s3/S3Client.cpp
+    s3/S3Error.cpp
+    s3/S3Execution.cpp
+    s3/S3ObjectEnum.cpp
+    s3/S3Operations.cpp
+    s3/S3Results.cpp
+    s3/S3Signing.cpp)
 configure_file(include/vantra/Version.h.in ${CMAKE_BINARY_DIR}/include/vantra/Version.h @ONLY)
 target_compile_definitions(vantra_objects PRIVATE VANTRA_BUILDING)
 target_include_directories(vantra_objects

@@ -3,6 +3,7 @@
 #include "Doubles.h"
 
 #include "vantra/CURLError.h"
+#include "vantra/S3Error.h"
 
 #include <kel/Error.h>
 
@@ -50,6 +51,9 @@ Thrown describe(const CError& error) {
     } else if (const auto* curlFailure = dynamic_cast<const CCURLError*>(&error)) {
         thrown.type = "CCURLError";
         thrown.details = detailsOf(*curlFailure);
+    } else if (const auto* refusal = dynamic_cast<const CS3Error*>(&error)) {
+        thrown.type = "CS3Error";
+        thrown.details = refusal->getS3Code().toUTF8();
     } else if (const auto* own = dynamic_cast<const COwnError*>(&error)) {
         thrown.type = "COwnError";
         thrown.details = own->getDetail();
