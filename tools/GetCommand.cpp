@@ -1,12 +1,6 @@
 #include "GetCommand.h"
 
-#include "Errors.h"
-#include "FileArgument.h"
 #include "Interrupt.h"
-#include "Output.h"
-#include "ProgressDisplay.h"
-#include "ResponseSink.h"
-#include "Terminal.h"
 #include "Transfer.h"
 
 #include <CLI/CLI.hpp>
@@ -14,12 +8,12 @@
 namespace vantra::tool {
 
 using kel::P;
-using kel::String;
 
 CGetCommand::CGetCommand(CLI::App& program)
     : CVerb(program, "get", "Fetch what a URL names, to standard output or a file") {
     addURL();
-    addOutputOptions();
+    responseOptions_.addTo(getParser());
+    addRangeOption();
     requestOptions_.addTo(getParser());
     logOption_.addTo(getParser());
 }
@@ -33,48 +27,30 @@ void CGetCommand::addURL() {
         ->required();
 }
 
-void CGetCommand::addOutputOptions() {
-    getParser()
-        .add_option_function<std::string>(
-            "-o,--output",
-            [this](const std::string& argument) { outputName_ = parseFileArgument("--output", argument); },
-            "File to write, - for standard output (the default).\nIt appears when it is complete; after a "
-            "failure an\nexisting file is what it was")
-        ->type_name("FILE");
-    getParser().add_flag(
-        "--include", includeHeaders_,
-        "Write the status line and the headers ahead of the\nbody, to the same output; those of "
-        "redirects too.\nHTTP only");
+void CGetCommand::addRangeOption() {
     getParser()
         .add_option_function<std::string>(
             "--range", [this](const std::string& argument) { range_.emplace("--range", argument); },
-            "Fetch the bytes from A to B (A-B) or all from A on\n(A-) alone; the first byte is 0. A server "
-            "that "
-            "does\nnot do that is an error")
+            "Fetch the bytes from A to B (A-B) or all from A on\n(A-) alone; the first byte is 0. It is an "
+            "error "
+            "if\nthe server does not do that")
         ->type_name("A-B");
 }
 
-void CGetCommand::check() const {
-    requestOptions_.checkFor(*url_);
-    if (includeHeaders_ && !url_->isHTTP()) throw CUsageError("--include: needs an http or https URL");
-}
-
 void CGetCommand::run() {
-    check();
+    requestOptions_.checkFor(*url_);
+    responseOptions_.checkFor(*url_);
+    const CInterruptGuard interruptGuard; // ahead of the first file that would have to be removed
     const P<CNetRequest> request = new CNetRequest();
     requestOptions_.applyTo(*request, *url_);
     if (range_) range_->applyTo(*request);
     const std::unique_ptr<CTransferLog> log = logOption_.open();
-    const std::unique_ptr<IOutput> output = openOutput(outputName_);
-    const CInterruptGuard interruptGuard;
-    CProgressDisplay display(isStandardErrorTerminal() && !output->isTerminal());
-    CProgressLine line(display, url_->getText());
-    const P<CResponseSink> sink = new CResponseSink(*request, *output, includeHeaders_);
-    if (range_) sink->expectRange(*range_);
-    runLogged(log.get(), *request, [&] {
-        performTransfer(*request, *url_, *sink, &line);
-        output->commit();
-    });
+    const std::unique_ptr<IOutput> output = responseOptions_.open();
+    TransferSettings settings;
+    settings.includeHeaders = responseOptions_.getIncludeHeaders();
+    settings.range = range_;
+    settings.log = log.get();
+    runTransfer(*request, *url_, *output, settings);
 }
 
 } // namespace vantra::tool

@@ -5,10 +5,9 @@
 #include "LogOption.h"
 #include "RangeArgument.h"
 #include "RequestOptions.h"
+#include "ResponseOptions.h"
 #include "URLArgument.h"
 #include "Verb.h"
-
-#include <kel/String.h>
 
 #include <optional>
 
@@ -22,13 +21,11 @@ public:
 
 private:
     void addURL();
-    void addOutputOptions();
-    void check() const;
+    void addRangeOption();
 
     std::optional<CURLArgument> url_;
-    std::optional<kel::String> outputName_;
-    bool includeHeaders_ = false;
     std::optional<CRangeArgument> range_;
+    CResponseOptions responseOptions_;
     CRequestOptions requestOptions_;
     CLogOption logOption_;
 };

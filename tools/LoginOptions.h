@@ -27,6 +27,9 @@ public:
     /// Whether the user gave one.
     [[nodiscard]] bool isGiven() const noexcept { return user_.has_value(); }
 
+    /// Whether the password comes from standard input.
+    [[nodiscard]] bool readsStandardInput() const noexcept { return passwordFile_ && *passwordFile_ == "-"; }
+
     /// The login, with an empty password if none was given; nothing without --user. The first call reads
     /// --password-file.
     /// @throws kel::CError if the file cannot be read.

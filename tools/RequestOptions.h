@@ -23,6 +23,8 @@ public:
 
     [[nodiscard]] const CHeaderOptions& getHeaders() const noexcept { return headers_; }
 
+    [[nodiscard]] const CLoginOptions& getLogin() const noexcept { return login_; }
+
     /// What can be said about an address before anything is read or sent.
     /// @throws CUsageError if an option does not fit it.
     void checkFor(const CURLArgument& url) const;

@@ -3,6 +3,7 @@
 /// posix/ and windows/ hold one implementation each.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,6 +18,12 @@ namespace vantra::tool {
 /// process, bytes go out as they are, and no file or connection opened later can pass for a standard file
 /// that was closed.
 void prepareStandardFiles() noexcept;
+
+/// Reads up to so many bytes, unbuffered; waits until there are some. Gives up when the user asked to stop
+/// (see Interrupt.h).
+/// @param count how many were read; 0 at the end.
+/// @return 0, or a value of errno.
+[[nodiscard]] int readStandardInput(void* buffer, std::size_t maxLength, std::size_t& count) noexcept;
 
 /// Writes all of the bytes at once, unbuffered. Gives up when the user asked to stop (see Interrupt.h).
 /// @return 0, or a value of errno; EPIPE when nobody reads the output any more.

@@ -1,12 +1,14 @@
 #include "Transfer.h"
 
 #include "Errors.h"
+#include "Terminal.h"
 #include "TransferFailure.h"
 #include "TransferMonitor.h"
 
 namespace vantra::tool {
 
 using kel::CError;
+using kel::P;
 
 void performTransfer(CNetRequest& request, const CURLArgument& url, CResponseSink& sink,
                      CProgressLine* line) {
@@ -21,6 +23,18 @@ void performTransfer(CNetRequest& request, const CURLArgument& url, CResponseSin
         throw CError(describeTransferFailure(error, request, url.getText(), sink.getServerMessage()));
     }
     sink.finish();
+}
+
+void runTransfer(CNetRequest& request, const CURLArgument& url, IOutput& output,
+                 const TransferSettings& settings) {
+    CProgressDisplay display(isStandardErrorTerminal() && !output.isTerminal());
+    CProgressLine line(display, url.getText());
+    const P<CResponseSink> sink = new CResponseSink(request, output, settings.includeHeaders);
+    if (settings.range) sink->expectRange(*settings.range);
+    runLogged(settings.log, request, [&] {
+        performTransfer(request, url, *sink, &line);
+        output.commit();
+    });
 }
 
 } // namespace vantra::tool

@@ -4,9 +4,12 @@
 
 #include "ProgressDisplay.h"
 #include "ResponseSink.h"
+#include "TransferLog.h"
 #include "URLArgument.h"
 
 #include <vantra/NetRequest.h>
+
+#include <optional>
 
 namespace vantra::tool {
 
@@ -15,5 +18,17 @@ namespace vantra::tool {
 /// @throws kel::CError with the text of describeTransferFailure(); CClosedPipeError from the output.
 void performTransfer(CNetRequest& request, const CURLArgument& url, CResponseSink& sink,
                      CProgressLine* line = nullptr);
+
+/// What runTransfer() does beside the transfer itself.
+struct TransferSettings {
+    bool includeHeaders = false;
+    std::optional<CRangeArgument> range; ///< to be sent by the server; the request asks for it already
+    CTransferLog* log = nullptr;         ///< null for none
+};
+
+/// performTransfer() for the only transfer of a verb, from its start to the output's commit(): with its
+/// progress on the terminal, unless the output is there, and with its log.
+void runTransfer(CNetRequest& request, const CURLArgument& url, IOutput& output,
+                 const TransferSettings& settings);
 
 } // namespace vantra::tool

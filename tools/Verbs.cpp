@@ -1,9 +1,18 @@
 #include "Verbs.h"
 
+#include "getall/GetAllCommand.h"
 #include "GetCommand.h"
+#include "ProxyCommand.h"
+#include "UploadCommand.h"
 
 namespace vantra::tool {
 
-void addVerbs(CLI::App& program, VerbList& verbs) { verbs.push_back(std::make_unique<CGetCommand>(program)); }
+void addVerbs(CLI::App& program, VerbList& verbs) {
+    verbs.push_back(std::make_unique<CGetCommand>(program));
+    verbs.push_back(std::make_unique<CGetAllCommand>(program));
+    verbs.push_back(std::make_unique<CUploadCommand>(program, CUploadCommand::Kind::Put));
+    verbs.push_back(std::make_unique<CUploadCommand>(program, CUploadCommand::Kind::Post));
+    verbs.push_back(std::make_unique<CProxyCommand>(program));
+}
 
 } // namespace vantra::tool

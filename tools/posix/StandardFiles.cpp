@@ -6,6 +6,7 @@
 #include <csignal>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 namespace vantra::tool {
@@ -43,6 +44,22 @@ void prepareStandardFiles() noexcept {
     occupyIfClosed(STDIN_FILENO, O_WRONLY);
     occupyIfClosed(STDOUT_FILENO, O_RDONLY);
     occupyIfClosed(STDERR_FILENO, O_RDONLY);
+}
+
+int readStandardInput(void* buffer, std::size_t maxLength, std::size_t& count) noexcept {
+    constexpr int patience =
+        100; // milliseconds; a signal between the look at it and the wait is seen after that
+    for (;;) {
+        if (isInterrupted()) return EINTR;
+        pollfd input{STDIN_FILENO, POLLIN, 0};
+        const int ready = ::poll(&input, 1, patience);
+        if (ready == 0 || (ready < 0 && errno == EINTR)) continue;
+        const ssize_t length = ready < 0 ? -1 : ::read(STDIN_FILENO, buffer, maxLength);
+        if (length < 0 && errno != EINTR && errno != EAGAIN) return errno;
+        if (length < 0) continue;
+        count = static_cast<std::size_t>(length);
+        return 0;
+    }
 }
 
 int writeStandardOutput(std::string_view bytes) noexcept { return writeAll(STDOUT_FILENO, bytes); }

@@ -57,6 +57,15 @@ void prepareStandardFiles() noexcept {
     ::SetConsoleOutputCP(CP_UTF8);
 }
 
+int readStandardInput(void* buffer, std::size_t maxLength, std::size_t& count) noexcept {
+    if (isInterrupted()) return EINTR;
+    const auto length = static_cast<unsigned int>(std::min<std::size_t>(maxLength, INT_MAX));
+    const int got = ::_read(standardInput, buffer, length);
+    if (got < 0) return errno;
+    count = static_cast<std::size_t>(got);
+    return isInterrupted() ? EINTR : 0; // Ctrl-C ends the read of a console with nothing
+}
+
 int writeStandardOutput(std::string_view bytes) noexcept { return writeAll(standardOutput, bytes); }
 
 void writeStandardError(std::string_view bytes) noexcept { (void)writeAll(standardError, bytes); }

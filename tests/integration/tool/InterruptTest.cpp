@@ -72,6 +72,92 @@ TEST(ToolInterrupt, RemovesWhatWasWrittenAndEndsByTheSignal) {
     }
 }
 
+TEST(ToolInterrupt, IsAnOrdinaryExitStatusAfterControlC) {
+    ScriptedServer server;
+    server.play(Script().expectRequest().send(half).stall());
+    TempDir folder;
+    const std::string program = "import os, signal, subprocess, sys, time\n"
+                                "tool = subprocess.Popen(sys.argv[2:])\n"
+                                "while not os.listdir(sys.argv[1]): time.sleep(0.01)\n"
+                                "tool.send_signal(signal.SIGINT)\n"
+                                "print(tool.wait())\n"; // a negative number after the end by a signal
+    CommandOptions options;
+    options.environment = toolEnvironment();
+    const CommandResult result = runCommand(
+        {"python3", "-c", program, folder.path(), toolPath(), "get", "-o", folder.file("out"), server.url()},
+        {}, options);
+    EXPECT_EQ(result.standardOutput, "130\n");
+    EXPECT_EQ(result.standardError, "");
+}
+
+TEST(ToolInterrupt, RemovesEveryRunningDownload) {
+    for (const int signal : {SIGINT, SIGTERM}) {
+        ScriptedServer server;
+        server.play(Script().expectRequest().send(okResponse("done")).close());
+        for (int i = 0; i < 3; ++i) server.play(Script().expectRequest().send(half).stall());
+        TempDir folder;
+        ChildProcess tool({toolPath(), "get-all", "-d", folder.path(), "--parallel", "3", server.url("/a"),
+                           server.url("/b"), server.url("/c"), server.url("/d"), server.url("/e")},
+                          toolOptions());
+        ASSERT_TRUE(server.waitForRequests(4));
+        ASSERT_TRUE(waitUntil([&] { return filesIn(folder.path()).size() == 4; }, waitLimit));
+        kill(tool.pid(), signal);
+        ASSERT_TRUE(waitUntil([&] { return !tool.isRunning(); }, waitLimit));
+        EXPECT_EQ(tool.exitStatus(), 128 + signal);
+        EXPECT_EQ(tool.output(), "");
+        EXPECT_EQ(filesIn(folder.path()).size(), 1U); // the one that was complete
+        EXPECT_THAT(server.finish(), IsEmpty());
+    }
+}
+
+TEST(ToolInterrupt, EndsAnUpload) {
+    ScriptedServer server;
+    const auto latch = std::make_shared<Latch>();
+    server.play(Script().expectHead().stallWithoutReading(latch).stall());
+    TempDir folder;
+    folder.writeFile("body", std::string(8 << 20, 'x'));
+    ChildProcess tool({toolPath(), "post", server.url(), "-f", folder.file("body"), "-o", folder.file("out")},
+                      toolOptions());
+    ASSERT_TRUE(latch->waitUntilReached());
+    kill(tool.pid(), SIGINT);
+    ASSERT_TRUE(waitUntil([&] { return !tool.isRunning(); }, waitLimit));
+    latch->release();
+    EXPECT_EQ(tool.exitStatus(), 130);
+    EXPECT_EQ(tool.output(), "");
+    EXPECT_THAT(filesIn(folder.path()), ElementsAre("body"));
+}
+
+TEST(ToolInterrupt, EndsTheWaitForStandardInput) {
+    ScriptedServer server;
+    server.play(Script().expectHead().stall());
+    TempDir folder;
+    const UnreadPipe pipe(folder.file("pipe"));
+    ChildProcess tool({"bash", "-c", "exec \"$TOOL\" post \"$1\" -f - -o \"$3\" < \"$2\"", "bash",
+                       server.url(), folder.file("pipe"), folder.file("out")},
+                      toolOptions());
+    ASSERT_TRUE(server.waitForConnections(1));
+    kill(tool.pid(), SIGINT);
+    ASSERT_TRUE(waitUntil([&] { return !tool.isRunning(); }, waitLimit));
+    EXPECT_EQ(tool.exitStatus(), 130);
+    EXPECT_EQ(tool.output(), "");
+    EXPECT_THAT(filesIn(folder.path()), ElementsAre("pipe"));
+}
+
+TEST(ToolInterrupt, StillWritesTheLog) {
+    ScriptedServer server;
+    server.play(Script().expectRequest().send(half).stall());
+    TempDir folder;
+    ChildProcess tool(
+        {toolPath(), "get", "-o", folder.file("out"), "--log", folder.file("log"), server.url()},
+        toolOptions());
+    ASSERT_TRUE(server.waitForRequests(1));
+    kill(tool.pid(), SIGINT);
+    ASSERT_TRUE(waitUntil([&] { return !tool.isRunning(); }, waitLimit));
+    EXPECT_EQ(tool.exitStatus(), 130);
+    EXPECT_THAT(filesIn(folder.path()), ElementsAre("log"));
+    EXPECT_TRUE(folder.readFile("log").ends_with("</NetRequest>\n"));
+}
+
 TEST(ToolInterrupt, WorksWhileNobodyTakesTheOutput) {
     ScriptedServer server;
     server.play(Script().expectRequest().send("HTTP/1.1 200 OK\r\n\r\n" + std::string(1 << 20, 'x')).stall());

@@ -58,6 +58,11 @@ Outcome runScript(const std::string& script, const std::vector<std::string>& arg
     return run(command, {});
 }
 
+std::string withoutRootsRights() {
+    return "[ \"$(id -u)\" != 0 ] || [ \"$RIGHTS\" = dropped ] || RIGHTS=dropped exec setpriv "
+           "--bounding-set=-dac_override,-dac_read_search bash -c \"$BASH_EXECUTION_STRING\" bash \"$@\"\n";
+}
+
 testsupport::NginxServer& webServer() {
     static testsupport::NginxServer server;
     return server;

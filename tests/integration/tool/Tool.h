@@ -40,6 +40,10 @@ Outcome runTool(const std::vector<std::string>& arguments, std::string_view stan
 /// Runs a bash script to its end in which "$TOOL" is the program and "$1" the first argument.
 Outcome runScript(const std::string& script, const std::vector<std::string>& arguments);
 
+/// The start of a script for runScript() whose commands may not do what files' permissions forbid, even if
+/// root runs the tests.
+std::string withoutRootsRights();
+
 /// The web server that all tests share; it keeps nothing of one test that the next could notice, but its
 /// access log.
 testsupport::NginxServer& webServer();
