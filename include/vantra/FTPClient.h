@@ -24,7 +24,11 @@ namespace vantra {
 /// between the two. A request that is used again keeps its connection and login.
 ///
 /// Failures are those of CNetRequest::perform: CCURLError with the server's last reply code in the domain
-/// "ftp". Nothing is asked of the server beforehand.
+/// "ftp", which is 0 when the server has closed the connection. Nothing is asked of the server beforehand.
+///
+/// Over TLS libcurl 7.88 reports a transfer that the server refuses as CURLE_FTP_WEIRD_PASV_REPLY: it takes
+/// the end of the data connection for a failure to open it, tries once more, and reads the refusal as the
+/// reply to that. The response code is the refusal's or that of the second try.
 ///
 /// Thread safety: any number of threads may prepare requests, each its own; setOverrideCWDType and assignment
 /// need the client for themselves.
@@ -42,7 +46,8 @@ namespace vantra {
 /// | create directory; move without missing directories            | a command                       |
 /// | create directory with parents; move with missing directories  | both, of a move the target only |
 ///
-/// In a URL "%41" is "A", "#" ends the path, ";type=X" at the end chooses a transfer type and is cut off,
+/// In a URL "%41" is "A", "#" and "?" end the path, ";type=X" at the end chooses a transfer type and is cut
+/// off,
 /// "/./" and "/../" are resolved, and a blank makes the URL invalid (CURLE_URL_MALFORMAT). escapePath() makes
 /// the path for a URL that stands for a given name. A name of letters, digits, "-", ".", "_" and "~", of
 /// characters outside ASCII, and of most other ones is the same on both ways.
@@ -137,8 +142,10 @@ public:
 
 protected:
     /// What all preparations begin with: resets the request and sets URL, login, TLS and the walk to the
-    /// path's directory.
-    void beginPrepareRequest(CNetRequest& request, const kel::String& path, bool createMissingDirs) const;
+    /// path's directory. A subclass adds here what the requests of all operations need, such as root
+    /// certificates or a proxy; those that perform have no other place for it.
+    virtual void beginPrepareRequest(CNetRequest& request, const kel::String& path,
+                                     bool createMissingDirs) const;
 
 private:
     void prepareCommandsRequest(CNetRequest& request, CNetStringList* commands) const;

@@ -12,8 +12,8 @@ inline testsupport::CommandResult curl(const std::vector<std::string>& arguments
     std::vector<std::string> command{"curl", "-q", "--silent", "--show-error", "--max-time", "20"};
     command.insert(command.end(), arguments.begin(), arguments.end());
     testsupport::CommandOptions options;
-    for (const char* name :
-         {"http_proxy", "https_proxy", "all_proxy", "no_proxy", "HTTPS_PROXY", "ALL_PROXY", "NO_PROXY"}) {
+    for (const char* name : {"http_proxy", "https_proxy", "ftp_proxy", "all_proxy", "no_proxy", "HTTPS_PROXY",
+                             "ALL_PROXY", "NO_PROXY"}) {
         options.environment[name] = std::nullopt;
     }
     return testsupport::runCommand(command, {}, options);

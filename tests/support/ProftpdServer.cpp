@@ -1,0 +1,92 @@
+#include "support/ProftpdServer.h"
+
+#include "support/Command.h"
+
+#include <pwd.h>
+#include <stdexcept>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace testsupport {
+
+namespace {
+
+/// The password as the server's own list of users holds it.
+std::string hashedPassword() {
+    const CommandResult result = runCommand({"openssl", "passwd", "-6", FtpServer::password()});
+    if (result.exitStatus != 0) throw std::runtime_error("openssl passwd: " + result.standardError);
+    return result.standardOutput.substr(0, result.standardOutput.find('\n'));
+}
+
+std::string userOfProcess() {
+    const passwd* const user = ::getpwuid(::geteuid());
+    if (user == nullptr) throw std::runtime_error("the test's user has no name");
+    return user->pw_name;
+}
+
+/// Whose rights the server has while nobody is logged in.
+std::string identity() {
+    if (::geteuid() == 0) return "User nobody\nGroup nogroup\n";
+    return "User " + userOfProcess() + "\n";
+}
+
+std::string virtualHost(std::uint16_t port, const std::string& directives) {
+    return "<VirtualHost 127.0.0.1>\nPort " + std::to_string(port) + "\n" + directives + "</VirtualHost>\n";
+}
+
+} // namespace
+
+ProftpdServer::ProftpdServer() {
+    workFolder().writeFile("group", "users:x:" + std::to_string(::getegid()) + ":\n");
+    const std::string passwd = userName() + ":" + hashedPassword() + ":" + std::to_string(::geteuid()) + ":" +
+                               std::to_string(::getegid()) + "::" + folder() + ":/bin/false\n";
+    ::chmod(workFolder().writeFile("passwd", passwd).c_str(), S_IRUSR | S_IWUSR);
+    start("/" + folder());
+}
+
+std::string ProftpdServer::configuration(const std::vector<std::uint16_t>& ports) const {
+    const std::string tls = "TLSEngine on\nTLSRequired on\nTLSProtocol TLSv1.2 TLSv1.3\n"
+                            "TLSECCertificateFile " +
+                            certificate().certFile + "\nTLSECCertificateKeyFile " + certificate().keyFile +
+                            "\n";
+    return "LoadModule mod_tls.c\n"
+           "ServerType standalone\n"
+           "ServerName test\n"
+           "DefaultAddress 127.0.0.1\n"
+           "SocketBindTight on\n"
+           "UseIPv6 off\n"
+           "Port " +
+           std::to_string(ports.at(0)) + "\n" + identity() + "PidFile " + workFolder().file("pid") +
+           "\nScoreboardFile " + workFolder().file("scoreboard") +
+           "\nTransferLog none\n"
+           "WtmpLog off\n"
+           "DelayEngine off\n"
+           "UseReverseDNS off\n"
+           "TimeoutLinger 0\n"
+           "MaxInstances 60\n"
+           "LogFormat commands \"%r -> %s\"\n"
+           "<Global>\n"
+           "AuthOrder mod_auth_file.c\n"
+           "AuthUserFile " +
+           workFolder().file("passwd") + "\nAuthGroupFile " + workFolder().file("group") +
+           "\nRequireValidShell off\n"
+           "RootLogin on\n"
+           "AllowOverwrite on\n"
+           "AllowStoreRestart on\n"
+           "AllowRetrieveRestart on\n"
+           "ExtendedLog " +
+           workFolder().file("commands.log") + " ALL commands\n<Directory " + file("/readonly") +
+           ">\n<Limit WRITE>\nDenyAll\n</Limit>\n</Directory>\n"
+           "</Global>\n" +
+           virtualHost(ports.at(1), tls + "TLSOptions NoSessionReuseRequired\n") +
+           virtualHost(ports.at(2), tls + "TLSOptions NoSessionReuseRequired UseImplicitSSL\n");
+}
+
+std::unique_ptr<ChildProcess> ProftpdServer::launch(const std::vector<std::uint16_t>& ports) const {
+    const std::string file = workFolder().writeFile("proftpd.conf", configuration(ports));
+    return std::make_unique<ChildProcess>(std::vector<std::string>{"/usr/sbin/proftpd", "-n", "-c", file});
+}
+
+std::string ProftpdServer::log() const { return workFolder().readFile("commands.log"); }
+
+} // namespace testsupport
