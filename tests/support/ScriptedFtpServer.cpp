@@ -56,6 +56,11 @@ std::vector<std::string> ScriptedFtpServer::commands(std::size_t connection) con
     return lines;
 }
 
+std::string ScriptedFtpServer::dataReceived(std::size_t connection) {
+    (void)data_.finish(); // a client may be done before the connection's end was noticed here
+    return data_.received(connection);
+}
+
 std::string ScriptedFtpServer::replyTo(const std::string& line) {
     const std::lock_guard lock(mutex_);
     const auto answers = answers_.find(line);

@@ -57,9 +57,8 @@ public:
     /// How many control connections there were.
     std::size_t connectionCount() const { return control_.connectionCount(); }
 
-    /// What came over the data connection of this number.
-    std::string dataReceived(std::size_t connection = 0) const { return data_.received(connection); }
-    std::size_t dataConnectionCount() const { return data_.connectionCount(); }
+    /// What came over the data connection of this number, once all those that were queued are over.
+    std::string dataReceived(std::size_t connection = 0);
 
     /// What went wrong on the data connections; see ScriptedServer::finish().
     std::vector<std::string> finish() { return data_.finish(); }
