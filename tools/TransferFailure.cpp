@@ -38,6 +38,8 @@ bool isTransferError(const CError& error) {
 String describe(const CError& error, const CNetRequest& request, const String& serverMessage) {
     if (getHTTPStatusCodeFromError(error) != -1)
         return joinUnlessEmpty(request.getHTTPStatusLine(), serverMessage);
+    if (request.getResponseCodeDomain() == "smtp")
+        return joinUnlessEmpty(error.getMessage(), error.getParams().lookup("serverMessage"));
     const bool isFTP = request.getResponseCodeDomain() == "ftp";
     return joinUnlessEmpty(error.getMessage(),
                            isFTP ? findFTPReply(request.getResponseInfo(), request.getResponseCode())

@@ -2,6 +2,7 @@
 
 #include "getall/GetAllCommand.h"
 #include "GetCommand.h"
+#include "mail/MailVerbs.h"
 #include "ProxyCommand.h"
 #include "UploadCommand.h"
 
@@ -13,6 +14,7 @@ void addVerbs(CLI::App& program, VerbList& verbs) {
     verbs.push_back(std::make_unique<CUploadCommand>(program, CUploadCommand::Kind::Put));
     verbs.push_back(std::make_unique<CUploadCommand>(program, CUploadCommand::Kind::Post));
     verbs.push_back(std::make_unique<CProxyCommand>(program));
+    addMailVerbs(program, verbs);
 }
 
 } // namespace vantra::tool
