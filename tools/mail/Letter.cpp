@@ -86,7 +86,7 @@ P<CMimeMessage> makeContent(const Letter& letter) {
 }
 
 P<CMimeMessage> makeContentWithAttachments(const Letter& letter) {
-    const P<CMimeMessage> content = makeContent(letter);
+    P<CMimeMessage> content = makeContent(letter);
     if (letter.attachedFiles.empty()) return content;
     P<CMultiPartMimeMessage> mixed = new CMultiPartMimeMessage("mixed");
     mixed->addPart(content);
