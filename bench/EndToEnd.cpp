@@ -4,16 +4,22 @@
 
 #include "AllocationCounter.h"
 #include "BareTransfer.h"
+#include "Benchmarks.h"
 #include "Comparison.h"
 #include "support/NginxServer.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace {
 
+using bench::require;
 using kel::P;
 using kel::String;
 using vantra::CNetRequest;
@@ -32,12 +38,6 @@ public:
 private:
     std::uintmax_t size_ = 0;
 };
-
-void require(bool condition, const char* what) {
-    if (condition) return;
-    std::fprintf(stderr, "%s\n", what);
-    std::exit(1);
-}
 
 P<CNetRequest> makeRequest(const std::string& url) {
     P<CNetRequest> request = new CNetRequest();
@@ -93,18 +93,51 @@ void benchLargeDownload(const std::string& url, int rounds) {
     bench::printComparison("1 GiB download, dropped", result, 1, "ms", 1e3);
 }
 
+/// What to run: "--smoke" only shows that everything runs, and its figures mean nothing; names of groups
+/// leave out the others.
+class Selection {
+public:
+    Selection(int argumentCount, char** arguments) : arguments_(arguments + 1, arguments + argumentCount) {
+        isSmoke_ = std::erase(arguments_, "--smoke") > 0;
+    }
+
+    bool has(std::string_view group) const {
+        return arguments_.empty() ||
+               std::find(arguments_.begin(), arguments_.end(), group) != arguments_.end();
+    }
+    template <class Number>
+    Number pick(Number smoke, Number full) const {
+        return isSmoke_ ? smoke : full;
+    }
+
+private:
+    std::vector<std::string> arguments_;
+    bool isSmoke_;
+};
+
 } // namespace
 
 int main(int argc, char** argv) {
-    // "--smoke" only shows that everything runs; its figures mean nothing.
-    const bool isSmoke = argc > 1 && std::string_view(argv[1]) == "--smoke";
+    const Selection selection(argc, argv);
     unsetenv("http_proxy");
     testsupport::NginxServer server;
-    const std::string largeFile = server.documentRoot() + "/large.bin";
-    std::ofstream(largeFile).close();
-    std::filesystem::resize_file(largeFile, largeSize);
-
-    benchSmallGets(server.url("/bench"), isSmoke ? 1 : 31, isSmoke ? 10 : 2000);
-    benchLargeDownload(server.url("/large.bin"), isSmoke ? 1 : 25);
+    const std::string smallUrl = server.url("/bench");
+    const int rounds = selection.pick(1, 31);
+    if (selection.has("small")) benchSmallGets(smallUrl, rounds, selection.pick(10, 2000));
+    if (selection.has("parallel")) {
+        for (const std::size_t inFlight : {1U, 64U, 512U})
+            bench::benchParallelGets(smallUrl, rounds, selection.pick(inFlight + 10, std::size_t{4000}),
+                                     inFlight);
+    }
+    if (selection.has("start")) bench::benchStartOfRequests(selection.pick(2, 50));
+    if (selection.has("escaping")) bench::benchEscaping(rounds, selection.pick(10, 20000));
+    if (selection.has("memory"))
+        bench::benchMemory(smallUrl, selection.pick(std::size_t{5}, std::size_t{200}));
+    if (selection.has("download")) {
+        const std::string largeFile = server.documentRoot() + "/large.bin";
+        std::ofstream(largeFile).close();
+        std::filesystem::resize_file(largeFile, largeSize);
+        benchLargeDownload(server.url("/large.bin"), selection.pick(1, 25));
+    }
     return 0;
 }

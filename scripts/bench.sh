@@ -1,11 +1,24 @@
 #!/usr/bin/env bash
-# What a transfer costs with the library, beside the same transfer with bare libcurl, against a web server on loopback.
-# Builds the release preset first. Close other programs for figures that mean something.
+# What the library costs beside bare libcurl, against a web server on loopback. Builds the release preset first. Close
+# other programs for figures that mean something.
+#
+#     scripts/bench.sh             all groups
+#     scripts/bench.sh GROUP...    these
+#
+#     small       one small GET after the other
+#     parallel    1, 64 and 512 small GETs in flight on one thread
+#     start       from addRequest on a worker that has nothing to do to the first byte
+#     escaping    urlEscape and urlUnescape
+#     memory      a request that waits to be performed
+#     download    1 GiB
 # shellcheck source=scripts/lib.sh
 . "$(dirname "$0")/lib.sh"
 
-[ $# -eq 0 ] || die "takes no arguments"
+groups=(small parallel start escaping memory download)
+for group; do
+    [[ " ${groups[*]} " = *" $group "* ]] || die "unknown group '$group'; the groups are: ${groups[*]}"
+done
 scripts/install-deps.sh build bench test
 cmake --preset release >/dev/null
 cmake --build --preset release --target vantra_bench
-exec build/release/bin/vantra_bench
+exec build/release/bin/vantra_bench "$@"

@@ -1,0 +1,33 @@
+/// @file Benchmarks.h
+/// The groups of benchmarks that vantra_bench consists of. Each prints its lines to standard output.
+#pragma once
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+namespace bench {
+
+/// Ends the program when a figure would be that of a failure.
+inline void require(bool condition, const char* what) {
+    if (condition) return;
+    std::fprintf(stderr, "%s\n", what);
+    std::exit(1);
+}
+
+/// Small GETs, so many of them in flight on one thread, beside a loop around a bare multi handle.
+/// @param url answers with 256 bytes.
+void benchParallelGets(const std::string& url, int rounds, std::size_t requestsPerRound,
+                       std::size_t inFlight);
+
+/// How long a worker that has nothing to do takes from addRequest to the request's first byte.
+void benchStartOfRequests(int samples);
+
+/// urlEscape and urlUnescape beside curl_easy_escape and curl_easy_unescape.
+void benchEscaping(int rounds, int callsPerRound);
+
+/// What a request takes that waits to be performed, and one that waits to be performed again.
+/// @param url answers with 256 bytes.
+void benchMemory(const std::string& url, std::size_t requests);
+
+} // namespace bench
