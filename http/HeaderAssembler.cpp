@@ -11,6 +11,7 @@ namespace vantra {
 
 using kel::CError;
 using kel::String;
+using kel::TMap;
 
 namespace {
 
@@ -33,6 +34,8 @@ CHeaderAssembler::CHeaderAssembler(const CHeaderAssembler& other)
     : CBase(other),
       headerMap_(other.headerMap_),
       lastHeaderName_(other.lastHeaderName_),
+      waitingText_(other.waitingText_),
+      waitingLines_(other.waitingLines_),
       headerComplete_(other.headerComplete_),
       serverInfoToUpdate_(other.serverInfoToUpdate_) {}
 CHeaderAssembler::CHeaderAssembler(CHeaderAssembler&&) noexcept = default;
@@ -47,34 +50,70 @@ void CHeaderAssembler::handleHeaderLine(const String& line) {
     const std::wstring_view text = line.view();
     if (text == L"\r\n") {
         headerComplete_ = true;
-        if (serverInfoToUpdate_) serverInfoToUpdate_->updateFromHeaders(headerMap_);
+        if (!serverInfoToUpdate_) return;
+        makeMap();
+        serverInfoToUpdate_->updateFromHeaders(headerMap_);
         return;
     }
     const std::wstring_view stripped = kel::trimLeftView(text);
     if (stripped.size() == text.size()) {
-        addHeader(text);
+        const HeaderLineParts parts = splitHeaderLine(text);
+        addLine(parts.name, parts.value);
+    } else if (lastHeaderName_.isEmpty() && waitingLines_.empty()) {
+        throw CError("Error parsing HTTP header: first line starts with whitespace.");
     } else {
-        continueLastHeader(stripped);
+        addLine({}, kel::trimRightView(stripped));
     }
 }
 
-void CHeaderAssembler::addHeader(std::wstring_view line) {
-    const HeaderLineParts parts = splitHeaderLine(line);
-    assignLower(lastHeaderName_, parts.name);
-    String& value = getLastHeaderValue();
-    if (!value.isEmpty()) value += L',';
-    value.append(parts.value);
+void CHeaderAssembler::addLine(std::wstring_view name, std::wstring_view value) {
+    if (isMapInUse_) {
+        addToMap(name, value);
+        return;
+    }
+    waitingLines_.push_back({name.size(), value.size()});
+    waitingText_.append(name).append(value);
 }
 
-void CHeaderAssembler::continueLastHeader(std::wstring_view continuation) {
-    if (lastHeaderName_.isEmpty())
-        throw CError("Error parsing HTTP header: first line starts with whitespace.");
-    String& value = getLastHeaderValue();
-    value += L' ';
-    value.append(kel::trimRightView(continuation));
+TMap<String, String>& CHeaderAssembler::getHeaderMap() {
+    putMapInUse();
+    return headerMap_;
 }
 
-String& CHeaderAssembler::getLastHeaderValue() {
+const TMap<String, String>& CHeaderAssembler::getHeaderMap() const {
+    putMapInUse();
+    return headerMap_;
+}
+
+void CHeaderAssembler::putMapInUse() const {
+    if (isMapInUse_) return; // nothing is written then: several threads may look
+    makeMap();
+    isMapInUse_ = true;
+}
+
+void CHeaderAssembler::makeMap() const {
+    std::wstring_view text = waitingText_;
+    for (const WaitingLine& line : waitingLines_) {
+        const std::wstring_view name = text.substr(0, line.nameLength);
+        addToMap(name, text.substr(line.nameLength, line.valueLength));
+        text.remove_prefix(line.nameLength + line.valueLength);
+    }
+    waitingLines_.clear();
+    waitingText_.clear();
+}
+
+/// @param name empty for a continuation of the last header.
+void CHeaderAssembler::addToMap(std::wstring_view name, std::wstring_view value) const {
+    if (!name.empty()) assignLower(lastHeaderName_, name);
+    String& target = getLastHeaderValue();
+    if (name.empty())
+        target += L' ';
+    else if (!target.isEmpty())
+        target += L',';
+    target.append(value);
+}
+
+String& CHeaderAssembler::getLastHeaderValue() const {
     const auto position = headerMap_.lower_bound(lastHeaderName_);
     if (position != headerMap_.end() && position->first == lastHeaderName_) return position->second;
     if (spareEntries_.empty()) return headerMap_[lastHeaderName_];
@@ -91,6 +130,8 @@ void CHeaderAssembler::reset() {
         spareEntries_.push_back(headerMap_.extract(headerMap_.begin()));
     headerMap_.clear();
     lastHeaderName_.clear();
+    waitingLines_.clear();
+    waitingText_.clear();
     headerComplete_ = false;
 }
 

@@ -33,7 +33,7 @@ void CNetRequest::reset() {
     sendDataStream_ = nullptr;
     sendDataSource_ = nullptr;
     doneListener_ = nullptr;
-    receiveSink_ = defaultReceiveSink_;
+    setDefaultReceiveDataStream();
     setServerInfoToUpdate(nullptr);
     setAsyncInfo(false, CURLE_OK);
     url_.clear();

@@ -57,6 +57,8 @@ void CNetRequest::settleAsyncResult(CURLcode result) {
         if (pendingError_) asyncResult_ = CURLE_ABORTED_BY_CALLBACK;
     } else {
         asyncErrorMessage_ = getErrorMessage();
+        // The report of the failure reads the headers, on any thread: they have to be there by then.
+        static_cast<void>(getResponseHeaderMap());
     }
 }
 

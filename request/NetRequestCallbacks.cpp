@@ -12,6 +12,7 @@ namespace vantra {
 using kel::CStdExceptionError;
 using kel::int64;
 using kel::String;
+using kel::TMap;
 
 std::size_t CNetRequest::CallbackTrampolines::write(char* data, std::size_t size, std::size_t nmemb,
                                                     void* request) noexcept {
@@ -45,7 +46,9 @@ std::size_t CNetRequest::writeHandler(const char* data, std::size_t size, std::s
     if (!receiveSink_) return length;
     try {
         if (httpStatusCode_ == -1 && isHTTP_) settleStatusCode();
-        receiveSink_->write(data, static_cast<unsigned int>(length), httpStatusCode_, getResponseHeaderMap());
+        static const TMap<String, String> noHeaders;
+        receiveSink_->write(data, static_cast<unsigned int>(length), httpStatusCode_,
+                            sinkReadsHeaders_ ? getResponseHeaderMap() : noHeaders);
         return length;
     } catch (...) {
         storePendingError();

@@ -45,13 +45,20 @@ void CNetRequest::CStreamDataSource::seek(int64 position) { stream_->seek(positi
 
 int64 CNetRequest::CStreamDataSource::getPosition() { return stream_->getPosition(); }
 
-void CNetRequest::setReceiveDataSink(IDataSink* sink) { receiveSink_ = sink; }
+void CNetRequest::setReceiveDataSink(IDataSink* sink) {
+    receiveSink_ = sink;
+    sinkReadsHeaders_ = true;
+}
 
 void CNetRequest::setReceiveDataStream(IOutStream* stream) {
     receiveSink_ = stream ? new CStreamDataSink(stream) : nullptr;
+    sinkReadsHeaders_ = false;
 }
 
-void CNetRequest::setDefaultReceiveDataStream() { receiveSink_ = defaultReceiveSink_; }
+void CNetRequest::setDefaultReceiveDataStream() {
+    receiveSink_ = defaultReceiveSink_;
+    sinkReadsHeaders_ = false;
+}
 
 bool CNetRequest::usesDefaultReceiveBuffer() const noexcept { return receiveSink_ == defaultReceiveSink_; }
 

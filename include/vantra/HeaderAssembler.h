@@ -10,6 +10,8 @@
 #include <kel/P.h>
 #include <kel/String.h>
 
+#include <cstddef>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -38,25 +40,37 @@ public:
     /// Forgets the headers, not the server record.
     void reset();
 
-    [[nodiscard]] kel::TMap<kel::String, kel::String>& getHeaderMap() noexcept { return headerMap_; }
-    [[nodiscard]] const kel::TMap<kel::String, kel::String>& getHeaderMap() const noexcept {
-        return headerMap_;
-    }
+    /// The headers so far. Most responses are never asked: the map is made at the first call, and from then
+    /// on follows each line.
+    [[nodiscard]] kel::TMap<kel::String, kel::String>& getHeaderMap();
+    [[nodiscard]] const kel::TMap<kel::String, kel::String>& getHeaderMap() const;
 
     /// The record to update whenever a block is complete, or null; a reference is kept.
     void setServerInfoToUpdate(CServerInfo* info);
 
 private:
-    void addHeader(std::wstring_view line);
-    kel::String& getLastHeaderValue();
-    void continueLastHeader(std::wstring_view continuation);
+    /// A line that is not in the map yet; its text is in waitingText_.
+    struct WaitingLine {
+        std::size_t nameLength; // 0 for a continuation
+        std::size_t valueLength;
+    };
 
-    kel::TMap<kel::String, kel::String> headerMap_;
-    kel::String lastHeaderName_; // lower-cased; empty at the start of a block
+    void addLine(std::wstring_view name, std::wstring_view value);
+    void putMapInUse() const;
+    void makeMap() const;
+    void addToMap(std::wstring_view name, std::wstring_view value) const;
+    kel::String& getLastHeaderValue() const;
+
+    // The lines received are in the map or wait behind it.
+    mutable kel::TMap<kel::String, kel::String> headerMap_;
+    mutable kel::String lastHeaderName_; // in the map, lower-cased; empty at the start of a block
+    mutable std::wstring waitingText_;
+    mutable std::vector<WaitingLine> waitingLines_;
+    mutable bool isMapInUse_ = false; // somebody may hold a reference to it: no line waits
     bool headerComplete_ = false;
     kel::P<CServerInfo> serverInfoToUpdate_;
     // Entries of earlier responses, whose memory serves the next one. Not part of the value: not copied.
-    std::vector<kel::TMap<kel::String, kel::String>::node_type> spareEntries_;
+    mutable std::vector<kel::TMap<kel::String, kel::String>::node_type> spareEntries_;
 };
 
 } // namespace vantra

@@ -236,7 +236,7 @@ public:
     /// "HTTP/1.1 404 Not Found", the last one received; empty before a transfer and for other protocols.
     [[nodiscard]] kel::String getHTTPStatusLine() const { return httpStatusLine_; }
     /// The headers of the last response by lower-cased name.
-    [[nodiscard]] const kel::TMap<kel::String, kel::String>& getResponseHeaderMap() const noexcept {
+    [[nodiscard]] const kel::TMap<kel::String, kel::String>& getResponseHeaderMap() const {
         return headerAssembler_.getHeaderMap();
     }
     /// Every header or reply line of the transfer as it was received, line ends included.
@@ -368,6 +368,7 @@ private:
     kel::P<kel::CBufferOutStream> defaultReceiveStream_;
     kel::P<IDataSink> defaultReceiveSink_;
     kel::P<IDataSink> receiveSink_;
+    bool sinkReadsHeaders_ = false; // not so the sinks that the request itself puts before streams
     kel::P<IDataSource> sendDataSource_;
     kel::P<kel::IInStream> sendDataStream_;
     kel::int64 sendDataSize_ = -1;

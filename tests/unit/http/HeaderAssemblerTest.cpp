@@ -74,6 +74,39 @@ private:
     int& deaths_;
 };
 
+TEST(HeaderAssembler, HasOneMapThatFollowsEachLine) {
+    CHeaderAssembler assembler;
+    assembler.handleHeaderLine("A: 1\r\n");
+    const HeaderMap& map = std::as_const(assembler).getHeaderMap();
+    EXPECT_EQ(map, (HeaderMap{{"a", "1"}}));
+    assembler.handleHeaderLine(" more\r\n");
+    assembler.handleHeaderLine("B: 2\r\n");
+    EXPECT_EQ(map, (HeaderMap{{"a", "1 more"}, {"b", "2"}}));
+    EXPECT_EQ(&assembler.getHeaderMap(), &map);
+    assembler.reset();
+    EXPECT_TRUE(map.empty());
+    assembler.handleHeaderLine("C: 3\r\n");
+    EXPECT_EQ(map, (HeaderMap{{"c", "3"}}));
+}
+
+TEST(HeaderAssembler, CopiesAndMovesLinesThatNobodyHasAskedForYet) {
+    CHeaderAssembler assembler;
+    assembler.handleHeaderLine("A: 1\r\n");
+    CHeaderAssembler copy(assembler);
+    copy.handleHeaderLine("A: 2\r\n");
+    CHeaderAssembler moved(std::move(copy));
+    moved.handleHeaderLine(" 3\r\n");
+    EXPECT_EQ(moved.getHeaderMap(), (HeaderMap{{"a", "1,2 3"}}));
+    EXPECT_EQ(assembler.getHeaderMap(), (HeaderMap{{"a", "1"}}));
+}
+
+TEST(HeaderAssembler, ForgetsLinesThatNobodyHasAskedForYet) {
+    CHeaderAssembler assembler;
+    assembler.handleHeaderLine("A: 1\r\n");
+    assembler.reset();
+    EXPECT_TRUE(assembler.getHeaderMap().empty());
+}
+
 TEST(HeaderAssembler, IsEmptyAtFirst) { EXPECT_TRUE(CHeaderAssembler().getHeaderMap().empty()); }
 
 TEST(HeaderAssembler, StoresTrimmedValuesUnderLowerCasedNames) {
