@@ -1,5 +1,6 @@
 #include "Verbs.h"
 
+#include "ftp/FTPVerb.h"
 #include "getall/GetAllCommand.h"
 #include "GetCommand.h"
 #include "mail/MailVerbs.h"
@@ -15,6 +16,7 @@ void addVerbs(CLI::App& program, VerbList& verbs) {
     verbs.push_back(std::make_unique<CUploadCommand>(program, CUploadCommand::Kind::Post));
     verbs.push_back(std::make_unique<CProxyCommand>(program));
     addMailVerbs(program, verbs);
+    addFTPVerbs(program, verbs);
 }
 
 } // namespace vantra::tool

@@ -26,9 +26,11 @@ namespace vantra {
 /// Failures are those of CNetRequest::perform: CCURLError with the server's last reply code in the domain
 /// "ftp", which is 0 when the server has closed the connection. Nothing is asked of the server beforehand.
 ///
-/// Over TLS libcurl 7.88 reports a transfer that the server refuses as CURLE_FTP_WEIRD_PASV_REPLY: it takes
-/// the end of the data connection for a failure to open it, tries once more, and reads the refusal as the
-/// reply to that. The response code is the refusal's or that of the second try.
+/// Over TLS libcurl 7.88 reports an upload or listing that the server refuses as CURLE_FTP_WEIRD_PASV_REPLY:
+/// it takes the end of the data connection for a failure to open it, tries once more, and reads the refusal
+/// as the reply to that. The response code is the refusal's or that of the second try. It keeps the
+/// connection, on which there is a reply too many then; a transfer that uses it at once may take the refusal
+/// of a command for the success of the one after. After this error go on with a new request.
 ///
 /// Thread safety: any number of threads may prepare requests, each its own; setOverrideCWDType and assignment
 /// need the client for themselves.
@@ -123,8 +125,22 @@ public:
     /// Removes an empty directory.
     void prepareRemoveDirRequest(CNetRequest& request, const kel::String& dirPath) const;
     void prepareDeleteFileRequest(CNetRequest& request, const kel::String& path) const;
+    /// Gives a file another name, in the same or another directory (RNFR, RNTO). Whether a file of that name
+    /// is replaced is up to the server.
+    /// @param createMissingDirs whether the directories on the way are created. They are there even if the
+    /// move then fails. The rest of the transfer appends nothing to the moved file.
     void prepareMoveFileRequest(CNetRequest& request, const kel::String& from, const kel::String& to,
                                 bool createMissingDirs) const;
+    /// The same for a directory with all that is in it.
+    /// @param createMissingDirs whether the directories on the way are created. The walk creates `to` itself,
+    /// too, and the server must then be willing to put the moved directory in the place of the empty one, as
+    /// POSIX rename() does. Then an empty file with a random name ("__dummy...") is stored in it and deleted.
+    /// ProFTPD 1.3.8 and pyftpdlib 1.5.7 on Linux do all that. A server that refuses to replace a directory,
+    /// as all do for one that is not empty, fails the transfer, leaves `from` where it was, and an empty `to`
+    /// that was not there before. One that cannot store or delete the file afterwards fails the transfer with
+    /// everything in `to`, perhaps with the empty file. Nothing is lost or moved in part. The safe way is to
+    /// have the directory above `to` created by prepareCreateDirRequest(), and then to move without missing
+    /// directories.
     void prepareMoveDirRequest(CNetRequest& request, const kel::String& from, const kel::String& to,
                                bool createMissingDirs) const;
 
@@ -143,7 +159,8 @@ public:
 protected:
     /// What all preparations begin with: resets the request and sets URL, login, TLS and the walk to the
     /// path's directory. A subclass adds here what the requests of all operations need, such as root
-    /// certificates or a proxy; those that perform have no other place for it.
+    /// certificates or a proxy; those that perform have no other place for it. One that passes
+    /// escapePath(path) on makes every operation take paths as they are.
     virtual void beginPrepareRequest(CNetRequest& request, const kel::String& path,
                                      bool createMissingDirs) const;
 

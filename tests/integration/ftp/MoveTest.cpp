@@ -80,6 +80,23 @@ TEST_P(FTPMove, MovesNoDirectoryIntoOneThatIsNotThere) {
     EXPECT_EQ(readFile("/d/f"), "content");
 }
 
+TEST_P(FTPMove, MovesNoDirectoryInThePlaceOfOneWithContents) {
+    makeFolder("/d");
+    writeFile("/d/f", "content");
+    makeFolder("/e");
+    writeFile("/e/g", "kept");
+    for (const bool createMissingDirs : {false, true}) {
+        client_->prepareMoveDirRequest(*request_, at("/d"), at("/e"), createMissingDirs);
+        const auto error = performForError();
+        EXPECT_EQ(error.getCode(), CURLE_QUOTE_ERROR);
+        EXPECT_EQ(error.getResponseCode(), 550);
+        EXPECT_THAT(namesIn("/d"), ElementsAre("f"));
+        EXPECT_THAT(namesIn("/e"), ElementsAre("g"));
+        EXPECT_EQ(readFile("/d/f"), "content");
+        EXPECT_EQ(readFile("/e/g"), "kept");
+    }
+}
+
 TEST_P(FTPMove, MovesADirectoryIntoOnesThatAreMissing) {
     makeFolder("/d/sub");
     writeFile("/d/sub/f", "content");

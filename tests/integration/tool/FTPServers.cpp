@@ -1,0 +1,79 @@
+#include "FTPServers.h"
+
+#include "support/ProftpdServer.h"
+#include "support/PyftpdlibServer.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+
+using testsupport::FtpSecurity;
+using testsupport::FtpServer;
+
+namespace tooltest {
+
+namespace {
+
+std::string testFolder() {
+    std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
+    std::ranges::replace(name, '/', '-');
+    return "/" + name;
+}
+
+} // namespace
+
+ToolFtp::ToolFtp()
+    : folder_(testFolder()), passwordFile_(local_.writeFile("password", FtpServer::password() + "\n")) {
+    std::filesystem::create_directories(fileAt(""));
+}
+
+Outcome ToolFtp::runFtp(std::vector<std::string> arguments, std::string_view standardInput) const {
+    arguments.insert(arguments.begin(), "ftp");
+    const std::vector<std::string> common{"--user",   FtpServer::userName(), "--password-file", passwordFile_,
+                                          "--cacert", server().caFile()};
+    arguments.insert(arguments.end(), common.begin(), common.end());
+    if (GetParam().security == FtpSecurity::explicitTls)
+        arguments.insert(arguments.end(), {"--tls", "explicit"});
+    return runTool(arguments, standardInput);
+}
+
+std::string ToolFtp::serverUrl(std::string_view path) {
+    const std::string scheme = GetParam().security == FtpSecurity::implicitTls ? "ftps://" : "ftp://";
+    return scheme + server().host(GetParam().security) + server().path(path);
+}
+
+std::string ToolFtp::url(std::string_view path) const { return serverUrl(folder_ + std::string(path)); }
+
+void ToolFtp::writeFile(std::string_view path, std::string_view content) const {
+    std::filesystem::create_directories(std::filesystem::path(fileAt(path)).parent_path());
+    std::ofstream stream(fileAt(path), std::ios::binary | std::ios::trunc);
+    stream << content;
+    stream.close();
+    if (!stream) throw std::runtime_error("cannot write " + fileAt(path));
+}
+
+namespace {
+
+template <class Server>
+FtpServer& shared() {
+    static Server server;
+    return server;
+}
+
+} // namespace
+
+using testsupport::ProftpdServer;
+using testsupport::PyftpdlibServer;
+
+INSTANTIATE_TEST_SUITE_P(
+    Peer, ToolFtp,
+    testing::Values(FtpPeer{"ProftpdPlain", shared<ProftpdServer>, FtpSecurity::none},
+                    FtpPeer{"ProftpdExplicitTLS", shared<ProftpdServer>, FtpSecurity::explicitTls},
+                    FtpPeer{"ProftpdImplicitTLS", shared<ProftpdServer>, FtpSecurity::implicitTls},
+                    FtpPeer{"PyftpdlibPlain", shared<PyftpdlibServer>, FtpSecurity::none},
+                    FtpPeer{"PyftpdlibExplicitTLS", shared<PyftpdlibServer>, FtpSecurity::explicitTls},
+                    FtpPeer{"PyftpdlibImplicitTLS", shared<PyftpdlibServer>, FtpSecurity::implicitTls}),
+    [](const auto& tested) { return tested.param.name; });
+
+} // namespace tooltest

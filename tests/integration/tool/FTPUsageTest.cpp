@@ -1,0 +1,91 @@
+#include "Tool.h"
+
+#include "support/ChildProcess.h"
+#include "support/ScriptedFtpServer.h"
+#include "support/ScriptedServer.h"
+#include "support/TempDir.h"
+#include "support/Wait.h"
+
+#include <gmock/gmock.h>
+
+#include <csignal>
+
+using namespace testsupport;
+using namespace tooltest;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+TEST(ToolFTPUsage, NeedsAnFTPURL) {
+    EXPECT_EQ(runTool({"ftp", "ls", "http://h/"}), refused("URL: needs an ftp or ftps URL"));
+    EXPECT_EQ(runTool({"ftp", "mv", "ftp://h/a", "https://h/b"}),
+              refused("NEWURL: needs an ftp or ftps URL"));
+    EXPECT_EQ(runTool({"ftp", "rm", "ftp://h/a?b"}),
+              refused("URL: ? and # in a name are written %3F and %23"));
+    EXPECT_EQ(runTool({"ftp", "rm", "ftp://h/a#b"}),
+              refused("URL: ? and # in a name are written %3F and %23"));
+    EXPECT_EQ(runTool({"ftp", "rm", "ftp://h/a%0D%0Ab"}),
+              refused("URL: the path stands for control characters"));
+}
+
+TEST(ToolFTPUsage, RefusesOptionsThatDoNotFit) {
+    EXPECT_EQ(runTool({"ftp", "ls", "--tls", "some", "ftp://h/"}),
+              refused("--tls: must be one of explicit, implicit, none"));
+    EXPECT_EQ(runTool({"ftp", "ls", "--cwd", "some", "ftp://h/"}),
+              refused("--cwd: must be one of direct, none, steps"));
+    for (const char* kind : {"none", "explicit"})
+        EXPECT_EQ(runTool({"ftp", "ls", "--tls", kind, "ftps://h/"}),
+                  refused("--tls: an ftps URL means implicit TLS"));
+    EXPECT_EQ(runTool({"ftp", "ls", "--user", "u", "ftp://v:w@h/"}),
+              refused("--user: the URL holds a login already"));
+    EXPECT_EQ(runTool({"ftp", "put", "ftp://h/a/", "file"}), refused("URL: must name a file"));
+    for (const char* other : {"ftp://other/b", "ftp://h:21/b", "ftps://h/b"})
+        EXPECT_EQ(runTool({"ftp", "mv", "ftp://h/a", other}), refused("NEWURL: must be on the same server"));
+    EXPECT_EQ(runTool({"ftp", "mv", "ftp://h/a", "ftp://u:p@h/b"}), refused("NEWURL: must not hold a login"));
+}
+
+TEST(ToolFTPUsage, LogsInAsTheURLSaysOrAsAnonymous) {
+    ScriptedFtpServer server;
+    EXPECT_EQ(runTool({"ftp", "rm", "ftp://" + server.host() + "/a"}), succeeded(""));
+    EXPECT_THAT(server.commands(0),
+                ElementsAre("USER anonymous", "PASS ftp@example.com", "PWD", "DELE /a", "QUIT"));
+    EXPECT_EQ(runTool({"ftp", "rm", "ftp://me:secret%21@" + server.host() + "//b"}), succeeded(""));
+    EXPECT_THAT(server.commands(1), ElementsAre("USER me", "PASS secret!", "PWD", "DELE //b", "QUIT"));
+}
+
+TEST(ToolFTPUsage, ShowsNamesThatDoNothingToATerminalAsTheyAreInAPipe) {
+    ScriptedFtpServer server;
+    server.sendAsData("type=file;size=1; a\x1B[1m\r\ntype=os.unix=slink:/; link\r\n");
+    EXPECT_EQ(runTool({"ftp", "ls", "ftp://" + server.host() + "/"}),
+              succeeded("file             1  -                     a\x1B[1m\n"
+                        "other            -  -                     link\n"));
+}
+
+TEST(ToolFTPUsage, TellsOfAListingThatIsNone) {
+    ScriptedFtpServer server;
+    server.sendAsData("nospacehere\r\n");
+    EXPECT_EQ(runTool({"ftp", "ls", "ftp://" + server.host() + "/"}),
+              failed("Invalid FTP dir entry: 'nospacehere'"));
+}
+
+TEST(ToolFTPInterrupt, LeavesNothingOfADownload) {
+    ScriptedServer data;
+    data.play(Script().send("half").stall());
+    ScriptedFtpServer server;
+    server.answer("EPSV", "229 Entering Extended Passive Mode (|||" + std::to_string(data.port()) + "|)\r\n");
+    server.answer("RETR f", "150 here it comes\r\n");
+    TempDir folder;
+    ChildOptions options;
+    options.environment = toolEnvironment();
+    ChildProcess tool({toolPath(), "ftp", "get", "-o", folder.file("out"), "ftp://" + server.host() + "/f"},
+                      options);
+    constexpr std::chrono::seconds limit{20};
+    ASSERT_TRUE(data.waitForConnections(1));
+    ASSERT_TRUE(waitUntil([&] { return filesIn(folder.path()).size() == 1; }, limit));
+    ASSERT_TRUE(waitUntil([&] { return server.commands().back() == "RETR f"; }, limit));
+
+    kill(tool.pid(), SIGINT);
+    ASSERT_TRUE(waitUntil([&] { return !tool.isRunning(); }, limit));
+    EXPECT_EQ(tool.exitStatus(), 128 + SIGINT);
+    EXPECT_EQ(tool.output(), "");
+    EXPECT_THAT(filesIn(folder.path()), IsEmpty());
+}

@@ -1,0 +1,116 @@
+#include "ftp/FTPChangeVerbs.h"
+
+#include "Errors.h"
+#include "StandardFiles.h"
+#include "TerminalText.h"
+
+#include <vantra/FTPGetInfoResult.h>
+
+#include <CLI/CLI.hpp>
+
+#include <iostream>
+#include <string>
+
+namespace vantra::tool {
+
+using kel::CError;
+using kel::String;
+
+namespace {
+
+/// The path without the slashes at its end, which servers take amiss in the name of a directory.
+String withoutEndSlash(const String& path) {
+    std::size_t length = path.length();
+    while (length > 1 && path[length - 1] == L'/') --length;
+    return path.substr(0, length);
+}
+
+} // namespace
+
+CFTPMakeDirVerb::CFTPMakeDirVerb(CLI::App& group) : CFTPVerb(group, "mkdir", "Create a directory") {
+    addCreateDirsOption();
+    addCommonOptions();
+}
+
+void CFTPMakeDirVerb::runWith(const CFTPClient& client, CNetRequest& request) {
+    client.createDir(request, withoutEndSlash(getAddress().getPath()), createsDirs());
+}
+
+CFTPRemoveDirVerb::CFTPRemoveDirVerb(CLI::App& group)
+    : CFTPVerb(group, "rmdir", "Remove an empty directory") {
+    addCommonOptions();
+}
+
+void CFTPRemoveDirVerb::runWith(const CFTPClient& client, CNetRequest& request) {
+    client.removeDir(request, withoutEndSlash(getAddress().getPath()));
+}
+
+CFTPRemoveVerb::CFTPRemoveVerb(CLI::App& group) : CFTPVerb(group, "rm", "Delete a file") {
+    addCommonOptions();
+}
+
+void CFTPRemoveVerb::runWith(const CFTPClient& client, CNetRequest& request) {
+    client.deleteFile(request, getAddress().getPath());
+}
+
+CFTPMoveVerb::CFTPMoveVerb(CLI::App& group)
+    : CFTPVerb(group, "mv", "Move a file or directory to another name or directory") {
+    getParser()
+        .add_option_function<std::string>(
+            "NEWURL", [this](const std::string& argument) { target_.emplace("NEWURL", argument); },
+            "Its new address on the same server")
+        ->type_name("")
+        ->required();
+    addCreateDirsOption();
+    addCommonOptions();
+}
+
+void CFTPMoveVerb::check() const {
+    if (target_->getHost() != getAddress().getHost() ||
+        target_->hasImplicitTLS() != getAddress().hasImplicitTLS())
+        throw CUsageError("NEWURL: must be on the same server");
+    if (target_->getURL().getLogin()) throw CUsageError("NEWURL: must not hold a login");
+}
+
+void CFTPMoveVerb::runWith(const CFTPClient& client, CNetRequest& request) {
+    const String from = withoutEndSlash(getAddress().getPath());
+    const String to = withoutEndSlash(target_->getPath());
+    bool isDirectory = false;
+    if (createsDirs()) {
+        client.prepareGetInfoRequest(request, from);
+        request.perform();
+        isDirectory = CFTPGetInfoResult(request.getResponseInfo()).getInfo()->getType() ==
+                      kel::IFileInfoBase::Directory;
+    }
+    if (isDirectory) {
+        client.prepareMoveDirRequest(request, from, to, true);
+    } else {
+        client.prepareMoveFileRequest(request, from, to, createsDirs());
+    }
+    request.perform();
+}
+
+CFTPRemoveTreeVerb::CFTPRemoveTreeVerb(CLI::App& group)
+    : CFTPVerb(group, "rmtree", "Remove a directory with all its contents") {
+    getParser().add_flag("--yes", isAgreed_, "Do not ask before anything is removed");
+    addCommonOptions();
+}
+
+void CFTPRemoveTreeVerb::check() const {
+    if (!isAgreed_) askUser();
+}
+
+void CFTPRemoveTreeVerb::askUser() const {
+    const String& url = getAddress().getURL().getText();
+    writeStandardError("Remove " + toTerminalLine(url) + " with all its contents? [y/N] ");
+    std::string answer;
+    std::getline(std::cin, answer);
+    if (!std::cin) writeStandardError("\n");
+    if (answer != "y" && answer != "Y" && answer != "yes") throw CError(url + ": nothing was removed.");
+}
+
+void CFTPRemoveTreeVerb::runWith(const CFTPClient& client, CNetRequest& request) {
+    client.deleteDirWithAllContents(request, withoutEndSlash(getAddress().getPath()));
+}
+
+} // namespace vantra::tool

@@ -1,0 +1,97 @@
+#include "ftp/FTPListVerbs.h"
+
+#include "Output.h"
+#include "TerminalText.h"
+
+#include <vantra/FTPGetInfoResult.h>
+
+#include <kel/Time.h>
+
+#include <algorithm>
+#include <optional>
+#include <string>
+
+namespace vantra::tool {
+
+using kel::CTime;
+using kel::CTimeFields;
+using kel::IFileInfoBase;
+using kel::P;
+using kel::String;
+
+namespace {
+
+constexpr std::size_t typeWidth = 5;
+constexpr std::size_t sizeWidth = 12;
+constexpr std::size_t timeWidth = 20;
+
+String describeType(const CFTPDirEntry& entry) {
+    switch (entry.getType()) {
+    case IFileInfoBase::File:
+        return "file";
+    case IFileInfoBase::Directory:
+        return "dir";
+    case IFileInfoBase::Unknown:
+        break;
+    }
+    return "other";
+}
+
+String describeSize(const CFTPDirEntry& entry) {
+    return entry.getType() == IFileInfoBase::File ? String::fromInt(entry.getSize()) : String("-");
+}
+
+/// "-" for what the server did not tell.
+String describeTime(const CFTPDirEntry& entry) {
+    const CTime time = entry.getModifiedTime();
+    return time == CTime() ? String("-") : CTimeFields(time).toISODateTime(0) + "Z";
+}
+
+String blanks(std::size_t width, const String& beside) {
+    return String(std::wstring(width - std::min(width, beside.length()), L' '));
+}
+
+std::string describe(const CFTPDirEntry& entry, bool isForTerminal) {
+    const String type = describeType(entry);
+    const String size = describeSize(entry);
+    const String time = describeTime(entry);
+    const String facts = type + blanks(typeWidth, type) + " " + blanks(sizeWidth, size) + size + "  " + time +
+                         blanks(timeWidth, time) + "  ";
+    const String name = entry.getName();
+    return facts.toUTF8() + (isForTerminal ? toTerminalLine(name) : name.toUTF8()) + "\n";
+}
+
+} // namespace
+
+CFTPListVerb::CFTPListVerb(CLI::App& group)
+    : CFTPVerb(group, "ls", "List a directory: type, size, time (UTC) and name of each entry") {
+    addCommonOptions();
+}
+
+void CFTPListVerb::runWith(const CFTPClient& client, CNetRequest& request) {
+    const P<CFTPListDirResult> listing = client.listDir(request, getAddress().getPath());
+    const std::unique_ptr<IOutput> output = openOutput(std::nullopt);
+    std::string text;
+    for (const P<CFTPDirEntry>& entry : listing->getEntries()) {
+        if (entry->getName() != "." && entry->getName() != "..")
+            text += describe(*entry, output->isTerminal());
+    }
+    output->write(text);
+    output->commit();
+}
+
+CFTPStatVerb::CFTPStatVerb(CLI::App& group)
+    : CFTPVerb(group, "stat", "Tell type, size, time (UTC) and name of a file or directory") {
+    addCommonOptions();
+}
+
+void CFTPStatVerb::runWith(const CFTPClient& client, CNetRequest& request) {
+    client.prepareGetInfoRequest(request, getAddress().getPath());
+    request.perform();
+    const CFTPGetInfoResult result(request.getResponseInfo());
+    const std::unique_ptr<IOutput> output = openOutput(std::nullopt);
+    output->write(describe(*result.getInfo(), output->isTerminal()));
+    output->commit();
+}
+
+} // namespace vantra::tool

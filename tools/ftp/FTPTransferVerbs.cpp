@@ -1,0 +1,77 @@
+#include "ftp/FTPTransferVerbs.h"
+
+#include "Errors.h"
+#include "FileArgument.h"
+#include "Output.h"
+#include "ProgressDisplay.h"
+#include "ResponseSink.h"
+#include "Terminal.h"
+#include "Transfer.h"
+#include "TransferMonitor.h"
+
+#include <CLI/CLI.hpp>
+
+#include <kel/FileStream.h>
+
+namespace vantra::tool {
+
+using kel::CFileInStream;
+using kel::P;
+using kel::String;
+
+CFTPGetVerb::CFTPGetVerb(CLI::App& group)
+    : CFTPVerb(group, "get", "Fetch a file, to standard output or a file") {
+    getParser()
+        .add_option_function<std::string>(
+            "-o,--output",
+            [this](const std::string& argument) { outputName_ = parseFileArgument("--output", argument); },
+            "File to write, - for standard output (the default).\nIt appears when it is complete; after a "
+            "failure an\nexisting file is what it was")
+        ->type_name("FILE");
+    getParser()
+        .add_option_function<std::string>(
+            "--range", [this](const std::string& argument) { range_.emplace("--range", argument); },
+            "Fetch the bytes from A to B (A-B) or all from A on\n(A-) alone; the first byte is 0")
+        ->type_name("A-B");
+    addCommonOptions();
+}
+
+void CFTPGetVerb::runWith(const CFTPClient& client, CNetRequest& request) {
+    client.prepareDownloadRequest(request, getAddress().getPath(), 0, -1);
+    if (range_) range_->applyTo(request);
+    const std::unique_ptr<IOutput> output = openOutput(outputName_);
+    CProgressDisplay display(isStandardErrorTerminal() && !output->isTerminal());
+    CProgressLine line(display, getAddress().getURL().getText());
+    const P<CResponseSink> sink = new CResponseSink(request, *output, false);
+    performTransfer(request, getAddress().getURL(), *sink, &line);
+    output->commit();
+}
+
+CFTPPutVerb::CFTPPutVerb(CLI::App& group) : CFTPVerb(group, "put", "Store a file on the server") {
+    getParser()
+        .add_option_function<std::string>(
+            "FILE", [this](const std::string& argument) { file_ = parseFileArgument("FILE", argument); },
+            "File to send. One of that name on the server is\nreplaced")
+        ->type_name("")
+        ->required();
+    addCreateDirsOption();
+    addCommonOptions();
+}
+
+void CFTPPutVerb::check() const {
+    if (getAddress().getPath().endsWith(L"/")) throw CUsageError("URL: must name a file");
+}
+
+void CFTPPutVerb::runWith(const CFTPClient& client, CNetRequest& request) {
+    const P<CFileInStream> file = new CFileInStream(file_);
+    client.prepareUploadRequest(request, getAddress().getPath(), nullptr, 0, createsDirs());
+    request.setSendDataStream(file);
+    request.setSendDataSize(file->getSize());
+    CProgressDisplay display(isStandardErrorTerminal());
+    CProgressLine line(display, file_);
+    CTransferMonitor monitor(&line);
+    monitor.attachTo(request);
+    request.perform();
+}
+
+} // namespace vantra::tool
