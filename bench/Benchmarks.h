@@ -30,4 +30,10 @@ void benchEscaping(int rounds, int callsPerRound);
 /// @param url answers with 256 bytes.
 void benchMemory(const std::string& url, std::size_t requests);
 
+/// CFTPListDirResult on an MLSD listing of so many lines, beside a bare split of the same bytes into lines.
+void benchFTPListing(int rounds, int lines);
+
+/// A file of so many bytes from and to a real FTP server, beside bare libcurl.
+void benchFTPTransfers(int rounds, std::size_t size);
+
 } // namespace bench

@@ -25,6 +25,7 @@ using kel::String;
 using vantra::CNetRequest;
 
 constexpr std::uintmax_t largeSize = 1024U * 1024 * 1024;
+constexpr std::size_t ftpFileSize = std::size_t{256} * 1024 * 1024;
 
 /// Counts the body's bytes and drops them.
 class CDroppingSink : public kel::CBase, public CNetRequest::IDataSink {
@@ -120,6 +121,7 @@ private:
 int main(int argc, char** argv) {
     const Selection selection(argc, argv);
     unsetenv("http_proxy");
+    unsetenv("ftp_proxy");
     testsupport::NginxServer server;
     const std::string smallUrl = server.url("/bench");
     const int rounds = selection.pick(1, 31);
@@ -133,6 +135,9 @@ int main(int argc, char** argv) {
     if (selection.has("escaping")) bench::benchEscaping(rounds, selection.pick(10, 20000));
     if (selection.has("memory"))
         bench::benchMemory(smallUrl, selection.pick(std::size_t{5}, std::size_t{200}));
+    if (selection.has("ftp-listing")) bench::benchFTPListing(rounds, selection.pick(100, 100000));
+    if (selection.has("ftp-transfers"))
+        bench::benchFTPTransfers(selection.pick(1, 15), selection.pick(std::size_t{1000}, ftpFileSize));
     if (selection.has("download")) {
         const std::string largeFile = server.documentRoot() + "/large.bin";
         std::ofstream(largeFile).close();

@@ -1,20 +1,22 @@
 #!/usr/bin/env bash
-# What the library costs beside bare libcurl, against a web server on loopback. Builds the release preset first. Close
-# other programs for figures that mean something.
+# What the library costs beside bare libcurl, against web and FTP servers on loopback. Builds the release preset first.
+# Close other programs for figures that mean something.
 #
 #     scripts/bench.sh             all groups
 #     scripts/bench.sh GROUP...    these
 #
-#     small       one small GET after the other
-#     parallel    1, 64 and 512 small GETs in flight on one thread
-#     start       from addRequest on a worker that has nothing to do to the first byte
-#     escaping    urlEscape and urlUnescape
-#     memory      a request that waits to be performed
-#     download    1 GiB
+#     small           one small GET after the other
+#     parallel        1, 64 and 512 small GETs in flight on one thread
+#     start           from addRequest on a worker that has nothing to do to the first byte
+#     escaping        urlEscape and urlUnescape
+#     memory          a request that waits to be performed
+#     ftp-listing     an MLSD listing of 100,000 lines, beside a bare split into lines
+#     ftp-transfers   256 MiB from and to an FTP server
+#     download        1 GiB
 # shellcheck source=scripts/lib.sh
 . "$(dirname "$0")/lib.sh"
 
-groups=(small parallel start escaping memory download)
+groups=(small parallel start escaping memory ftp-listing ftp-transfers download)
 for group; do
     [[ " ${groups[*]} " = *" $group "* ]] || die "unknown group '$group'; the groups are: ${groups[*]}"
 done
