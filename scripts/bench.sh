@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# What the library costs beside bare libcurl, against web and FTP servers on loopback. Builds the release preset first.
-# Close other programs for figures that mean something.
+# What the library costs beside bare libcurl, against servers on loopback. Builds the release preset first. Close other
+# programs for figures that mean something.
 #
 #     scripts/bench.sh             all groups
 #     scripts/bench.sh GROUP...    these
@@ -12,15 +12,23 @@
 #     memory          a request that waits to be performed
 #     ftp-listing     an MLSD listing of 100,000 lines, beside a bare split into lines
 #     ftp-transfers   256 MiB from and to an FTP server
+#     mail            messages and their encoders in memory, and one small mail after the other
 #     download        1 GiB
 # shellcheck source=scripts/lib.sh
 . "$(dirname "$0")/lib.sh"
 
-groups=(small parallel start escaping memory ftp-listing ftp-transfers download)
+groups=(small parallel start escaping memory ftp-listing ftp-transfers mail download)
 for group; do
     [[ " ${groups[*]} " = *" $group "* ]] || die "unknown group '$group'; the groups are: ${groups[*]}"
 done
+[ $# -gt 0 ] || set -- "${groups[@]}"
 scripts/install-deps.sh build bench test
 cmake --preset release >/dev/null
-cmake --build --preset release --target vantra_bench
-exec build/release/bin/vantra_bench "$@"
+cmake --build --preset release --target vantra_bench --target vantra_mailbench
+transfers=()
+with_mail=false
+for group; do
+    if [ "$group" = mail ]; then with_mail=true; else transfers+=("$group"); fi
+done
+if [ ${#transfers[@]} -gt 0 ]; then build/release/bin/vantra_bench "${transfers[@]}"; fi
+if $with_mail; then build/release/bin/vantra_mailbench; fi

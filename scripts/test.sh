@@ -103,8 +103,9 @@ runs_reliably() {
 }
 
 step_release() {
-    build_preset release vantra vantra_command vantra_bench vantra_microbench
+    build_preset release vantra vantra_command vantra_bench vantra_mailbench vantra_microbench
     build/release/bin/vantra_bench --smoke
+    build/release/bin/vantra_mailbench --smoke
     build/release/bin/vantra_microbench --benchmark_min_time=0.001
 }
 
