@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Shows the vantra command at work on a fresh Debian 12 machine: installs what is missing, builds the command, starts a
-# web server on loopback and fetches from it. Fails if anything turns out other than it should. Leaves nothing behind
-# but the packages and the build folder.
+# web server on loopback and fetches from it, and sends a mail to a mail server there. Fails if anything turns out other
+# than it should. Leaves nothing behind but the packages and the build folder.
 # shellcheck source=scripts/lib.sh
 . "$(dirname "$0")/lib.sh"
 
@@ -10,14 +10,22 @@ export PATH=$PATH:/usr/sbin:/sbin # nginx, for an ordinary user
 build=build/demo
 vantra=$build/bin/vantra
 server_pid=
+mail_server_pid=
 work=
 
-clean_up() {
-    if [ -n "$server_pid" ] && kill "$server_pid" 2>/dev/null; then
-        wait "$server_pid" || true
-        say "Stopped the web server (process $server_pid)."
+# stop_server NAME PROCESS: PROCESS may be empty.
+stop_server() {
+    if [ -n "$2" ] && kill "$2" 2>/dev/null; then
+        wait "$2" || true
+        say "Stopped the $1 server (process $2)."
     fi
+}
+
+clean_up() {
+    stop_server web "$server_pid"
+    stop_server mail "$mail_server_pid"
     server_pid=
+    mail_server_pid=
     if [ -n "$work" ]; then rm -rf "$work"; fi
 }
 trap clean_up EXIT
@@ -153,8 +161,58 @@ expect_failure() {
     grep -qF -- "$2" "$work/messages" || die "the message about $1 should contain: $2"
 }
 
+# Sets starttls_port; see start_server.
+start_mail_server() {
+    local attempt waited plain_port tls_port
+    for attempt in 1 2 3 4 5; do
+        plain_port=$(free_port)
+        starttls_port=$(free_port)
+        tls_port=$(free_port)
+        /usr/bin/python3 -I tests/support/smtp_server.py "$work/mails" "$plain_port" "$starttls_port" "$tls_port" \
+            "$work/server.crt" "$work/server.key" >"$work/mail.log" 2>&1 </dev/null &
+        mail_server_pid=$!
+        for ((waited = 0; waited < 100; waited++)); do
+            if ! kill -0 "$mail_server_pid" 2>/dev/null; then break; fi
+            if accepts_connections "$tls_port"; then return; fi # the last one that it opens
+            sleep 0.1
+        done
+        kill "$mail_server_pid" 2>/dev/null || true
+        wait "$mail_server_pid" 2>/dev/null || true
+        mail_server_pid=
+        grep -qi 'address already in use' "$work/mail.log" || break
+    done
+    cat "$work/mail.log" >&2
+    die "the mail server did not start (attempt $attempt)"
+}
+
+# send_mail ARGUMENT...: runs "vantra mail send" with STARTTLS and a login, and shows it.
+send_mail() {
+    local arguments=(--server "127.0.0.1:$starttls_port" --tls starttls --user user
+        --password-file "$work/password" "$@")
+    say ""
+    say "  \$ vantra mail send ${arguments[*]//$work/TEMP}"
+    env -u all_proxy -u ALL_PROXY "$vantra" mail send "${arguments[@]}" 2>"$work/messages" </dev/null || {
+        cat "$work/messages" >&2
+        die "sending the mail failed"
+    }
+}
+
+# Shows what the mail server received, the mail's start at least, and checks it.
+show_mail() {
+    say "The mail server received, with this envelope:"
+    sed 's/^/  /' "$work/mails/1.json"
+    say ""
+    say "and this mail:"
+    tr -d '\r' <"$work/mails/1.eml" | sed 's/^/  /'
+    grep -qF '"tls":"TLSv1' "$work/mails/1.json" || die "the mail should have come over TLS"
+    grep -qF '"login":"user"' "$work/mails/1.json" || die "the mail should have come with a login"
+    grep -qF "$(base64 --wrap 76 "$work/pages/hello.html")" <(tr -d '\r' <"$work/mails/1.eml") ||
+        die "the attachment should have come with the mail"
+    say "Saw that the mail came over TLS with a login, and the attachment with it."
+}
+
 work=$(mktemp -d)
-mkdir "$work/pages" "$work/temp"
+mkdir "$work/mails" "$work/pages" "$work/temp"
 printf '<html><body>Hello from the demo server: grüß dich.</body></html>\n' >"$work/pages/hello.html"
 printf '<html><body><p>This server has\nno such page.</p></body></html>\n' >"$work/pages/missing.html"
 
@@ -179,6 +237,14 @@ fetch "http://127.0.0.1:$http_port/nothing-here.html"
 expect_failure "a page that does not exist" 404
 expect_failure "a page that does not exist" "This server has no such page."
 say "Saw that a missing page is an error, with the status 404 and the server's own message."
+
+start_mail_server
+say "Started aiosmtpd as process $mail_server_pid with STARTTLS on port $starttls_port of 127.0.0.1."
+printf 'secret\n' >"$work/password"
+printf 'Grüße aus der Demo.\n.\nDie Zeile mit dem Punkt gehört dazu.\n' >"$work/letter.txt"
+send_mail --from jane@example.org --to joe@example.org --to jim@example.org --subject 'Grüße mit Anhang' \
+    --text "$work/letter.txt" --attach "$work/pages/hello.html"
+show_mail
 
 say ""
 clean_up
