@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace vantra {
 
@@ -29,18 +30,21 @@ bool isASCII(std::wstring_view text) noexcept {
 /// Builds encoded words (RFC 2047), each no longer than 75 characters.
 class EncodedWords {
 public:
-    void append(char32_t character) {
-        if (isLetterOrDigit(character)) {
-            chunk_ += static_cast<char>(character);
-        } else {
-            for (const char byte : String::fromUTF32({&character, 1}).toUTF8()) appendEscaped(byte);
+    /// @param utf8 one whole character.
+    void append(std::string_view utf8) {
+        for (const char byte : utf8) {
+            if (isLetterOrDigit(byte)) {
+                chunk_ += byte;
+            } else {
+                appendEscaped(byte);
+            }
         }
         if (chunk_.size() + longestCharacter > budget) closeWord();
     }
 
-    String take() {
+    std::string take() {
         if (!chunk_.empty()) closeWord();
-        return String(words_);
+        return std::move(words_);
     }
 
 private:
@@ -49,8 +53,8 @@ private:
     static constexpr std::size_t budget = 75 - prefix.size() - suffix.size();
     static constexpr std::size_t longestCharacter = 18; // room that is left for one more character
 
-    static bool isLetterOrDigit(char32_t c) noexcept {
-        return (c >= U'A' && c <= U'Z') || (c >= U'a' && c <= U'z') || (c >= U'0' && c <= U'9');
+    static bool isLetterOrDigit(char c) noexcept {
+        return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9');
     }
 
     void appendEscaped(char byte) {
@@ -70,6 +74,14 @@ private:
     std::string words_;
     std::string chunk_; // the payload of the word that is not closed yet
 };
+
+/// The number of bytes of the character that well-formed UTF-8 begins with.
+std::size_t measureCharacter(std::string_view utf8) noexcept {
+    const auto isContinuation = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; };
+    std::size_t length = 1;
+    while (length < utf8.size() && isContinuation(utf8[length])) ++length;
+    return length;
+}
 
 } // namespace
 
@@ -107,14 +119,26 @@ void CMimeMessage::storeBody(IOutStream& out) const {
 }
 
 String CMimeMessage::makeHeaderField(const String& name, const String& value) {
-    return name + ": " + (isASCII(value.view()) ? value : toEncodedWord(value));
+    String field = name;
+    field.append(L": ");
+    if (isASCII(value.view())) {
+        field.append(value.view());
+    } else {
+        field.append(toEncodedWord(value).view());
+    }
+    return field;
 }
 
 String CMimeMessage::toEncodedWord(const String& text) {
     EncodedWords words;
-    // By code point: a word must not end between the halves of a surrogate pair.
-    for (const char32_t character : text.toUTF32()) words.append(character);
-    return words.take();
+    const std::string utf8 = text.toUTF8();
+    std::string_view rest = utf8;
+    while (!rest.empty()) {
+        const std::size_t length = measureCharacter(rest);
+        words.append(rest.substr(0, length));
+        rest.remove_prefix(length);
+    }
+    return String(words.take());
 }
 
 String CMimeMessage::toQuotedString(const String& text) {

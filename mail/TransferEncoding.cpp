@@ -2,8 +2,10 @@
 
 #include <sigil/Base64.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstring>
 
 namespace vantra {
 
@@ -16,6 +18,17 @@ namespace {
 class QuotedPrintableWriter {
 public:
     explicit QuotedPrintableWriter(TBuffer<unsigned char>& out) : out_(out) {}
+
+    /// How many bytes fit on the line that need not be its last.
+    [[nodiscard]] std::size_t getRoom() const noexcept {
+        return lineLength - 1 - std::min(length_, lineLength - 1);
+    }
+
+    /// @param length up to getRoom().
+    void writeLiterals(const unsigned char* bytes, std::size_t length) {
+        std::memcpy(line_.data() + length_, bytes, length);
+        length_ += length;
+    }
 
     /// @param endsLine whether a line break or the end of the data follows, so that no "=" needs room.
     void writeLiteral(unsigned char byte, bool endsLine) {
@@ -62,6 +75,24 @@ constexpr bool isPrintable(unsigned char byte) noexcept { return byte > ' ' && b
 
 constexpr bool isBlank(unsigned char byte) noexcept { return byte == ' ' || byte == '\t'; }
 
+/// Bytes that stand for themselves in the middle of a line.
+constexpr std::array<bool, 256> literalBytes = [] {
+    std::array<bool, 256> literal{};
+    for (std::size_t i = 0; i < literal.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(i);
+        literal[i] = isPrintable(byte) || isBlank(byte);
+    }
+    return literal;
+}();
+
+/// The number of bytes, up to `most`, that are literal wherever the line ends: a blank is not the last one.
+std::size_t measureLiterals(const unsigned char* bytes, std::size_t most) noexcept {
+    std::size_t length = 0;
+    while (length < most && literalBytes[bytes[length]]) ++length;
+    while (length > 0 && isBlank(bytes[length - 1])) --length;
+    return length;
+}
+
 } // namespace
 
 P<TBuffer<unsigned char>> encodeBase64Lines(const TBuffer<unsigned char>& bytes) {
@@ -80,6 +111,12 @@ P<TBuffer<unsigned char>> encodeQuotedPrintable(const TBuffer<unsigned char>& by
         return end - position >= 2 && position[0] == '\r' && position[1] == '\n';
     };
     while (at != end) {
+        const std::size_t room = std::min(writer.getRoom(), static_cast<std::size_t>(end - at));
+        if (const std::size_t literals = measureLiterals(at, room); literals > 0) {
+            writer.writeLiterals(at, literals);
+            at += literals;
+            continue;
+        }
         if (isLineBreak(at)) {
             writer.breakLine();
             at += 2;
