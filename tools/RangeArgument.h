@@ -20,12 +20,14 @@ public:
     void applyTo(CNetRequest& request) const;
 
     [[nodiscard]] kel::int64 getFirst() const noexcept { return first_; }
+    /// The number of bytes, -1 for all that follow.
+    [[nodiscard]] kel::int64 getLength() const noexcept { return length_; }
     /// Whether it is everything, so that an answer without a range is right too.
     [[nodiscard]] bool isWhole() const noexcept { return first_ == 0 && length_ == -1; }
 
 private:
     kel::int64 first_ = 0;
-    kel::int64 length_ = -1; // -1 for all that follow
+    kel::int64 length_ = -1;
 };
 
 } // namespace vantra::tool

@@ -39,6 +39,9 @@ public:
     /// write().
     void finish();
 
+    /// The start of the body of an unsuccessful response; empty if there was none.
+    [[nodiscard]] const kel::TBuffer<unsigned char>& getErrorBody() const noexcept { return errorBody_; }
+
     /// What the server had to say about its refusal; empty if nothing.
     [[nodiscard]] kel::String getServerMessage() const;
 

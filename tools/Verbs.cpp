@@ -5,6 +5,7 @@
 #include "GetCommand.h"
 #include "mail/MailVerbs.h"
 #include "ProxyCommand.h"
+#include "s3/S3Verbs.h"
 #include "UploadCommand.h"
 
 namespace vantra::tool {
@@ -15,8 +16,9 @@ void addVerbs(CLI::App& program, VerbList& verbs) {
     verbs.push_back(std::make_unique<CUploadCommand>(program, CUploadCommand::Kind::Put));
     verbs.push_back(std::make_unique<CUploadCommand>(program, CUploadCommand::Kind::Post));
     verbs.push_back(std::make_unique<CProxyCommand>(program));
-    addMailVerbs(program, verbs);
     addFTPVerbs(program, verbs);
+    addMailVerbs(program, verbs);
+    addS3Verbs(program, verbs);
 }
 
 } // namespace vantra::tool

@@ -1,0 +1,26 @@
+/// @file GetObjectCommand.h
+/// vantra s3 get s3://BUCKET/KEY: downloads an object.
+#pragma once
+
+#include "Output.h"
+#include "RangeArgument.h"
+#include "s3/StoreCommand.h"
+
+namespace vantra::tool {
+
+class CGetObjectCommand : public CStoreCommand {
+public:
+    explicit CGetObjectCommand(CLI::App& group);
+
+    void run() override;
+
+private:
+    void addOutputOptions();
+    void download(CS3Client& client, CNetRequest& request, IOutput& output, CProgressLine& line) const;
+
+    std::optional<CObjectArgument> object_;
+    std::optional<kel::String> outputName_;
+    std::optional<CRangeArgument> range_;
+};
+
+} // namespace vantra::tool

@@ -1,0 +1,120 @@
+#include "s3/ObjectCommands.h"
+
+#include "Errors.h"
+#include "Interrupt.h"
+#include "Output.h"
+#include "TerminalText.h"
+
+#include <vantra/CURLError.h>
+
+#include <CLI/CLI.hpp>
+
+namespace vantra::tool {
+
+using kel::CError;
+using kel::P;
+using kel::String;
+
+namespace {
+
+constexpr const char* objectDescription = "The object, as s3://BUCKET/KEY";
+
+/// One header a line, by name.
+std::string describeHeaders(const CNetRequest& request) {
+    std::string text;
+    for (const auto& [name, value] : request.getResponseHeaderMap())
+        text += toTerminalLine(name + ": " + value) + "\n";
+    return text;
+}
+
+} // namespace
+
+CHeadObjectCommand::CHeadObjectCommand(CLI::App& group)
+    : CStoreCommand(group, "head", "Show an object's headers") {
+    addObjectArgument("OBJECT", object_, CObjectArgument::Key::Needed, objectDescription);
+    addStoreOptions();
+}
+
+void CHeadObjectCommand::run() {
+    const P<CS3Client> client = makeClient();
+    const P<CNetRequest> request = new CNetRequest();
+    client->prepareGetObjectHeadersRequest(*request, object_->getBucket(), object_->getKey());
+    applyTo(*request);
+    const std::unique_ptr<CTransferLog> log = openLog();
+    const CInterruptGuard interruptGuard;
+    runLogged(log.get(), *request, [&] {
+        runStoreTransfer(*request, object_->getText(), nullptr, [&] { client->performRequest(*request); });
+    });
+    const std::unique_ptr<IOutput> output = openOutput(std::nullopt);
+    output->write(describeHeaders(*request));
+    output->commit();
+}
+
+CCopyObjectCommand::CCopyObjectCommand(CLI::App& group)
+    : CStoreCommand(group, "cp", "Copy an object within its bucket, on the store's side") {
+    addObjectArgument("SOURCE", source_, CObjectArgument::Key::Needed, objectDescription);
+    addObjectArgument("TARGET", target_, CObjectArgument::Key::Needed,
+                      "The object to make or replace, in the same bucket");
+    addStoreOptions();
+}
+
+void CCopyObjectCommand::run() {
+    if (source_->getBucket() != target_->getBucket())
+        throw CUsageError("TARGET: must be in the bucket of SOURCE");
+    const P<CS3Client> client = makeClient();
+    const P<CNetRequest> request = new CNetRequest();
+    client->prepareCopyObjectRequest(*request, source_->getBucket(), source_->getKey(), target_->getKey());
+    applyTo(*request);
+    const std::unique_ptr<CTransferLog> log = openLog();
+    const CInterruptGuard interruptGuard;
+    runLogged(log.get(), *request, [&] {
+        runStoreTransfer(*request, source_->getText(), nullptr, [&] {
+            client->performRequest(*request);
+            CS3Client::checkCopyObjectResult(request->getDefaultReceiveBuffer());
+        });
+    });
+}
+
+CRemoveObjectCommand::CRemoveObjectCommand(CLI::App& group) : CStoreCommand(group, "rm", "Delete an object") {
+    addObjectArgument("OBJECT", object_, CObjectArgument::Key::Needed, objectDescription);
+    addStoreOptions();
+}
+
+void CRemoveObjectCommand::run() {
+    const P<CS3Client> client = makeClient();
+    const P<CNetRequest> request = new CNetRequest();
+    client->prepareDeleteObjectRequest(*request, object_->getBucket(), object_->getKey());
+    applyTo(*request);
+    const std::unique_ptr<CTransferLog> log = openLog();
+    const CInterruptGuard interruptGuard;
+    runLogged(log.get(), *request, [&] {
+        runStoreTransfer(*request, object_->getText(), nullptr, [&] { client->performRequest(*request); });
+    });
+}
+
+CObjectExistsCommand::CObjectExistsCommand(CLI::App& group)
+    : CStoreCommand(group, "exists", "Succeed if there is an object of a name, fail if not") {
+    addObjectArgument("OBJECT", object_, CObjectArgument::Key::Needed, objectDescription);
+    addStoreOptions();
+}
+
+void CObjectExistsCommand::run() {
+    const P<CS3Client> client = makeClient();
+    const P<CNetRequest> request = new CNetRequest();
+    client->prepareGetObjectHeadersRequest(*request, object_->getBucket(), object_->getKey());
+    applyTo(*request);
+    const std::unique_ptr<CTransferLog> log = openLog();
+    const CInterruptGuard interruptGuard;
+    runLogged(log.get(), *request, [&] {
+        runStoreTransfer(*request, object_->getText(), nullptr, [&] {
+            try {
+                client->performRequest(*request);
+            } catch (const CError& error) {
+                if (!CS3Client::isNotFoundError(error)) throw;
+                throw CError(object_->getText() + ": there is no such object.");
+            }
+        });
+    });
+}
+
+} // namespace vantra::tool
