@@ -2,6 +2,7 @@
 /// The groups of benchmarks that vantra_bench consists of. Each prints its lines to standard output.
 #pragma once
 
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -35,5 +36,16 @@ void benchFTPListing(int rounds, int lines);
 
 /// A file of so many bytes from and to a real FTP server, beside bare libcurl.
 void benchFTPTransfers(int rounds, std::size_t size);
+
+/// Preparing and signing an upload of 1 KiB to an object store, beside the same digest and HMAC by OpenSSL.
+void benchS3Signing(int rounds, int callsPerRound);
+
+/// Uploads to and downloads from an object store of 1 KiB, 1 MiB and the largest size, beside the same by
+/// libcurl with headers that were signed ahead.
+/// @param smallPerRound of the smallest; of the larger ones fewer.
+void benchS3Transfers(int rounds, int smallPerRound, std::size_t largestSize);
+
+/// Parsing a listing of 1,000 entries, beside loading the same XML.
+void benchS3Listing(int rounds, int callsPerRound);
 
 } // namespace bench

@@ -144,5 +144,12 @@ int main(int argc, char** argv) {
         std::filesystem::resize_file(largeFile, largeSize);
         benchLargeDownload(server.url("/large.bin"), selection.pick(1, 25));
     }
+    if (selection.has("s3-sign")) bench::benchS3Signing(rounds, selection.pick(10, 2000));
+    if (selection.has("s3-listing")) bench::benchS3Listing(rounds, selection.pick(1, 10));
+    if (selection.has("s3-transfers")) {
+        constexpr std::size_t mebibyte = std::size_t{1} << 20U;
+        bench::benchS3Transfers(selection.pick(1, 15), selection.pick(1, 20),
+                                selection.pick(2 * mebibyte, 64 * mebibyte));
+    }
     return 0;
 }

@@ -12,12 +12,15 @@
 #     memory          a request that waits to be performed
 #     ftp-listing     an MLSD listing of 100,000 lines, beside a bare split into lines
 #     ftp-transfers   256 MiB from and to an FTP server
+#     s3-sign         preparing and signing an upload to an object store, beside the bare digest and HMAC
+#     s3-listing      parsing a listing of 1,000 objects, beside the bare XML load
+#     s3-transfers    1 KiB, 1 MiB and 64 MiB to and from an object store
 #     mail            messages and their encoders in memory, and one small mail after the other
 #     download        1 GiB
 # shellcheck source=scripts/lib.sh
 . "$(dirname "$0")/lib.sh"
 
-groups=(small parallel start escaping memory ftp-listing ftp-transfers mail download)
+groups=(small parallel start escaping memory ftp-listing ftp-transfers s3-sign s3-listing s3-transfers mail download)
 for group; do
     [[ " ${groups[*]} " = *" $group "* ]] || die "unknown group '$group'; the groups are: ${groups[*]}"
 done
