@@ -40,6 +40,7 @@ void CGetCommand::addRangeOption() {
 void CGetCommand::run() {
     requestOptions_.checkFor(*url_);
     responseOptions_.checkFor(*url_);
+    logOption_.checkFor(responseOptions_.getOutputName());
     const CInterruptGuard interruptGuard; // ahead of the first file that would have to be removed
     const P<CNetRequest> request = new CNetRequest();
     requestOptions_.applyTo(*request, *url_);

@@ -28,7 +28,7 @@ public:
 
     std::size_t read(void* buffer, std::size_t maxLength) override {
         if (size_ == -1) return stream_->read(buffer, maxLength);
-        const auto left = static_cast<std::size_t>(size_ - stream_->getPosition());
+        const auto left = static_cast<std::size_t>(std::max<int64>(size_ - stream_->getPosition(), 0));
         const std::size_t wanted = std::min(maxLength, left);
         const std::size_t count = stream_->read(buffer, wanted);
         if (count == 0 && wanted != 0)

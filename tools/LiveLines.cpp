@@ -65,7 +65,10 @@ void CLiveLines::show(const std::vector<String>& lines) {
         static_cast<std::size_t>(std::max(size.rows - 1, 1)); // the cursor has one of its own
     const std::size_t rows = std::min(lines.size(), maxRows);
     std::string text = rows == 0 ? "" : wrapOff;
-    for (std::size_t i = 0; i < rows; ++i) text += cutToWidth(lines[i], size.columns).toUTF8() + "\n";
+    for (std::size_t row = 0; row < rows; ++row) {
+        const String& line = row + 1 < rows ? lines[row] : lines.back();
+        text += cutToWidth(line, size.columns).toUTF8() + "\n";
+    }
     if (rows != 0) text += wrapOn;
     Shown& state = shown();
     const CMutexLock lock(state.mutex);

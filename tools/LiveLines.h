@@ -24,7 +24,7 @@ public:
     [[nodiscard]] bool isVisible() const noexcept { return visible_; }
 
     /// Shows these lines, which hold no control characters, in place of those shown before, each cut to the
-    /// width of the terminal. Of more than fit on it, the last ones are left out.
+    /// width of the terminal. Of more than fit on it those ahead of the last one are left out.
     void show(const std::vector<kel::String>& lines);
 
 private:

@@ -5,7 +5,14 @@
 
 #include <CLI/CLI.hpp>
 
+#include <kel/Path.h>
+
+#include <filesystem>
+#include <system_error>
+
 namespace vantra::tool {
+
+namespace fs = std::filesystem;
 
 void CLogOption::addTo(CLI::App& verb) {
     verb.add_option_function<std::string>(
@@ -15,8 +22,19 @@ void CLogOption::addTo(CLI::App& verb) {
                 if (*file_ == "-") throw CUsageError("--log: must name a file");
             },
             "File to write a log of the transfer to, as XML; it is\nwritten when the transfer fails, too. It "
-            "holds what was\nreceived, but no passwords")
+            "holds "
+            "bodies\n(of put just their size) and no passwords")
         ->type_name("FILE");
+}
+
+void CLogOption::checkFor(const std::optional<kel::String>& outputName) const {
+    if (!file_ || !outputName) return;
+    std::error_code error; // leaves an empty path, which is of no use for the comparison
+    const fs::path log = fs::weakly_canonical(kel::CPath(*file_).toStdPath(), error);
+    const fs::path output = fs::weakly_canonical(kel::CPath(*outputName).toStdPath(), error);
+    const bool isDevice = fs::exists(log, error) && !fs::is_regular_file(log, error);
+    if (!log.empty() && log == output && !isDevice)
+        throw CUsageError("--log: names the same file as --output");
 }
 
 std::unique_ptr<CTransferLog> CLogOption::open(CTransferLog::Kind kind) const {

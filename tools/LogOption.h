@@ -25,6 +25,10 @@ public:
     /// Adds the option to a verb. To be called once.
     void addTo(CLI::App& verb);
 
+    /// @param outputName the file for the body, if any.
+    /// @throws CUsageError if the log is to be the same file.
+    void checkFor(const std::optional<kel::String>& outputName) const;
+
     /// The log to write, or null when the user wants none.
     /// @throws kel::CError if the file cannot be created.
     [[nodiscard]] std::unique_ptr<CTransferLog>

@@ -70,7 +70,10 @@ void CProgressDisplay::update(Iterator transfer, int64 done, int64 total) {
 void CProgressDisplay::remove(Iterator transfer) {
     const CMutexLock lock(mutex_);
     transfers_.erase(transfer);
-    if (lastDrawn_ != CTime()) draw(CTime::now());
+    if (transfers_.empty())
+        draw(CTime::now());
+    else
+        drawIfDue();
 }
 
 void CProgressDisplay::drawIfDue() {

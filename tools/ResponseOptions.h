@@ -29,6 +29,7 @@ public:
     /// @throws CUsageError if an option does not fit the address.
     void checkFor(const CURLArgument& url) const;
 
+    [[nodiscard]] const std::optional<kel::String>& getOutputName() const noexcept { return outputName_; }
     [[nodiscard]] bool getIncludeHeaders() const noexcept { return includeHeaders_; }
 
     /// The place for the body. @throws kel::CError if it cannot be opened.

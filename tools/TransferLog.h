@@ -17,7 +17,7 @@ namespace vantra::tool {
 
 /// Collects what requests recorded and writes it as one XML document: the element "NetRequest" of a single
 /// transfer (see CNetRequest::getVerboseOutput), or "NetRequests" around any number of them. Of each message
-/// up to 16384 bytes are shown. Bodies are shown except by uploads; passwords are not.
+/// up to 16384 bytes are shown, of the bodies of a PUT and an upload to FTP only the size, and no passwords.
 ///
 /// Thread safety: one thread at a time.
 class CTransferLog {

@@ -65,6 +65,7 @@ void CUploadCommand::addBodyOptions() {
 void CUploadCommand::check() const {
     requestOptions_.checkFor(*url_);
     responseOptions_.checkFor(*url_);
+    logOption_.checkFor(responseOptions_.getOutputName());
     if (kind_ == Kind::Post && !url_->isHTTP()) throw CUsageError("URL: post needs an http or https URL");
     if (file_ == "-" && requestOptions_.getLogin().readsStandardInput())
         throw CUsageError("--file: standard input holds the password already");

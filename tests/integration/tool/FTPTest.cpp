@@ -1,12 +1,17 @@
 #include "Tool.h"
 
+#include "support/ScriptedFtpServer.h"
 #include "support/ScriptedServer.h"
+#include "support/TempDir.h"
 
 #include <gmock/gmock.h>
 
 using namespace testsupport;
 using namespace tooltest;
+using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 
 namespace {
 
@@ -94,4 +99,48 @@ TEST(ToolFTP, TellsTheServersReplyWhenTheLoginIsRefused) {
     EXPECT_EQ(runTool({"get", ftpURL(server, "me:wrong@")}),
               failed(ftpURL(server) +
                      ": Login denied: Access denied: 530 (response code: ftp 530): 530 Login incorrect."));
+}
+
+TEST(ToolFTP, StoresAFile) {
+    ScriptedFtpServer server;
+    server.receiveAsData(7);
+    TempDir folder;
+    EXPECT_EQ(
+        runTool({"put", "ftp://" + server.host() + "/file.bin", "-f", folder.writeFile("body", "content")}),
+        succeeded(""));
+    EXPECT_EQ(server.dataReceived(), "content");
+    EXPECT_THAT(server.commands(), ElementsAre("USER anonymous", "PASS ftp@example.com", "PWD", "EPSV",
+                                               "TYPE I", "STOR file.bin", "QUIT"));
+    EXPECT_THAT(server.finish(), IsEmpty());
+}
+
+TEST(ToolFTP, TellsTheServersReplyWhenAFileIsRefused) {
+    ScriptedFtpServer server;
+    server.answer("STOR file.bin", "553 no room\r\n");
+    const std::string url = "ftp://" + server.host() + "/file.bin";
+    const Outcome outcome = runTool({"put", url, "-f", "-"}, "content");
+    EXPECT_EQ(outcome.exitStatus, 1);
+    EXPECT_THAT(outcome.error, HasSubstr("vantra: " + url + ": "));
+    EXPECT_THAT(outcome.error, HasSubstr(" (response code: ftp 553): 553 no room\n"));
+}
+
+TEST(ToolFTP, FetchesAPartOfAFile) {
+    ScriptedFtpServer server;
+    server.answer("SIZE file.bin", "213 10\r\n");
+    server.sendAsData("456789");
+    EXPECT_EQ(runTool({"get", "--range", "4-", "ftp://" + server.host() + "/file.bin"}), succeeded("456789"));
+    EXPECT_THAT(server.commands(), testing::Contains("REST 4"));
+}
+
+TEST(ToolFTP, LogsNoPassword) {
+    ScriptedFtpServer server;
+    server.sendAsData("0123456789");
+    TempDir folder;
+    const Outcome outcome = runTool({"get", "--log", folder.file("log"), "--user", "me", "--password",
+                                     "secret", "ftp://" + server.host() + "/file.bin"});
+    EXPECT_EQ(outcome, succeeded("0123456789"));
+    EXPECT_THAT(server.commands(), testing::Contains("PASS secret"));
+    const std::string log = folder.readFile("log");
+    EXPECT_THAT(log, HasSubstr(">PASS ~stripped~</send>"));
+    EXPECT_THAT(log, Not(HasSubstr("secret")));
 }

@@ -81,6 +81,22 @@ TEST(ToolLog, IsRefusedBeforeTheTransferWhenItCannotBeMade) {
     EXPECT_THAT(server.finish(), IsEmpty());
 }
 
+TEST(ToolLog, DoesNotTakeThePlaceOfTheBody) {
+    ScriptedServer server; // would note a connection as an error
+    TempDir folder;
+    folder.writeFile("old", "content");
+    for (const char* name : {"old", "new"})
+        EXPECT_EQ(
+            runTool({"get", "-o", folder.file(name), "--log", folder.path() + "/./" + name, server.url()}),
+            refused("--log: names the same file as --output"));
+    EXPECT_EQ(runTool({"put", server.url(), "-f", "x", "-o", folder.file("a"), "--log", folder.file("a")}),
+              refused("--log: names the same file as --output"));
+    EXPECT_EQ(folder.readFile("old"), "content");
+    EXPECT_EQ(runTool({"get", "-o", "/dev/null", "--log", "/dev/null", webServer().url("/hello.txt")}),
+              succeeded(""));
+    EXPECT_THAT(server.finish(), IsEmpty());
+}
+
 TEST(ToolLog, ThatCannotBeWrittenIsAnError) {
     NginxServer& server = webServer();
     TempDir folder;
