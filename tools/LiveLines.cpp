@@ -58,6 +58,7 @@ CLiveLines::~CLiveLines() {
     }
 }
 
+// It changes what the terminal shows. NOLINTNEXTLINE(readability-make-member-function-const)
 void CLiveLines::show(const std::vector<String>& lines) {
     if (!visible_) return;
     const TerminalSize size = getStandardErrorSize();
