@@ -1,6 +1,5 @@
 #include "TransferLog.h"
 
-#include "LogRedaction.h"
 #include "TerminalText.h"
 
 namespace vantra::tool {
@@ -30,7 +29,6 @@ void CTransferLog::record(CNetRequest& request) {
 void CTransferLog::add(const CNetRequest& request) {
     const P<CXMLElement> transfer = request.getVerboseOutput(maxMessageLength);
     if (!transfer) return;
-    redactPasswords(*transfer);
     if (kind_ == Kind::ManyTransfers)
         root_->addChild(transfer);
     else
