@@ -47,12 +47,14 @@ namespace vantra {
 /// | get info, verify exists, remove, delete                       | a command                       |
 /// | create directory; move without missing directories            | a command                       |
 /// | create directory with parents; move with missing directories  | both, of a move the target only |
+/// | deleteDirWithAllContents and all directories that it finds    | both                            |
 ///
 /// In a URL "%41" is "A", "#" and "?" end the path, ";type=X" at the end chooses a transfer type and is cut
-/// off,
-/// "/./" and "/../" are resolved, and a blank makes the URL invalid (CURLE_URL_MALFORMAT). escapePath() makes
-/// the path for a URL that stands for a given name. A name of letters, digits, "-", ".", "_" and "~", of
-/// characters outside ASCII, and of most other ones is the same on both ways.
+/// off, "/./" and "/../" are resolved, and a blank makes the URL invalid (CURLE_URL_MALFORMAT). escapePath()
+/// makes the path for a URL that stands for a given name. A name of letters, digits, "-", ".", "_" and "~",
+/// of characters outside ASCII, and of most other ones is the same on both ways. Where a path that is not
+/// goes both ways, the two are about different files: let a subclass escape the paths for URLs
+/// (beginPrepareRequest).
 ///
 /// In a URL a path is relative to the login's directory, in a command "/" is what the server takes for its
 /// root; servers that confine users to their directory make no difference there. On others give absolute
@@ -104,7 +106,8 @@ public:
     void prepareDownloadRequest(CNetRequest& request, const kel::String& path, kel::int64 first,
                                 kel::int64 length) const;
     /// Stores bytes under the path, in place of a file that is there.
-    /// @param data copied. @param size number of bytes.
+    /// @param data copied. To send much, or from a file, give none and set the request's stream and its size
+    /// afterwards (setSendDataStream, setSendDataSize). @param size number of bytes.
     /// @param createMissingDirs whether the directories on the way are created.
     /// @throws kel::CInvalidArgError "size is negative" and "data is null" (with a size above 0).
     void prepareUploadRequest(CNetRequest& request, const kel::String& path, const void* data, int size,
