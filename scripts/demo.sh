@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Shows the vantra command at work on a fresh Debian 12 machine: installs what is missing, builds the command, starts a
-# web server on loopback and fetches from it, and sends a mail to a mail server there. Fails if anything turns out other
-# than it should. Leaves nothing behind but the packages and the build folder.
+# web server on loopback and fetches from it, sends a mail to a mail server there, and takes an object to an object
+# store and back. Fails if anything turns out other than it should. Leaves nothing behind but the packages and the build
+# folder.
 # shellcheck source=scripts/lib.sh
 . "$(dirname "$0")/lib.sh"
 
@@ -11,6 +12,7 @@ build=build/demo
 vantra=$build/bin/vantra
 server_pid=
 mail_server_pid=
+object_store_pid=
 work=
 
 # stop_server NAME PROCESS: PROCESS may be empty.
@@ -24,8 +26,10 @@ stop_server() {
 clean_up() {
     stop_server web "$server_pid"
     stop_server mail "$mail_server_pid"
+    stop_server "object store" "$object_store_pid"
     server_pid=
     mail_server_pid=
+    object_store_pid=
     if [ -n "$work" ]; then rm -rf "$work"; fi
 }
 trap clean_up EXIT
@@ -211,6 +215,66 @@ show_mail() {
     say "Saw that the mail came over TLS with a login, and the attachment with it."
 }
 
+# An object store with the bucket "demo".
+start_object_store() {
+    local attempt waited ports
+    for attempt in 1 2 3 4 5; do
+        store_port=$(free_port)
+        ports=("$store_port" "$(free_port)" "$(free_port)" "$(free_port)")
+        mkdir "$work/store$attempt"
+        /usr/bin/python3 -I tests/support/s3_server.py "$work/store$attempt" "${ports[@]}" demo \
+            >"$work/store.log" 2>&1 </dev/null &
+        object_store_pid=$!
+        for ((waited = 0; waited < 200; waited++)); do
+            if ! kill -0 "$object_store_pid" 2>/dev/null; then break; fi
+            if accepts_connections "$store_port"; then return; fi # the last one that it opens
+            sleep 0.1
+        done
+        kill "$object_store_pid" 2>/dev/null || true
+        wait "$object_store_pid" 2>/dev/null || true
+        object_store_pid=
+        grep -qi 'address already in use' "$work/store.log" || break
+    done
+    cat "$work/store.log" >&2
+    die "the object store did not start (attempt $attempt)"
+}
+
+# use_store SECRET-FILE ARGUMENT...: runs "vantra s3" into the files body, messages and status, and shows it.
+use_store() {
+    local secret=$1
+    shift
+    local arguments=("$@" --endpoint "http://127.0.0.1:$store_port" --access-key test:tester --secret-key-file "$secret")
+    local status=0
+    say ""
+    say "  \$ vantra s3 ${arguments[*]//$work/TEMP}"
+    env -u http_proxy -u all_proxy -u ALL_PROXY \
+        "$vantra" s3 "${arguments[@]}" >"$work/body" 2>"$work/messages" </dev/null || status=$?
+    sed 's/^/  /' "$work/body" "$work/messages"
+    say "  (exit status $status)"
+    printf '%s\n' "$status" >"$work/status"
+}
+
+# Takes an object to the store and back.
+show_object_round_trip() {
+    local url='s3://demo/pages/grüß dich.html'
+    printf 'testing\n' >"$work/secret"
+    printf 'guessed\n' >"$work/wrong-secret"
+    use_store "$work/secret" put "$url" -f "$work/pages/hello.html" --content-type text/html
+    [ "$(cat "$work/status")" = 0 ] || die "uploading the object failed"
+    use_store "$work/secret" ls s3://demo --delimiter /
+    grep -q ' pages/$' "$work/body" || die "the object's folder is missing from the listing"
+    use_store "$work/secret" ls s3://demo/pages/
+    grep -qF "pages/grüß dich.html" "$work/body" || die "the object is missing from the listing"
+    use_store "$work/secret" get "$url"
+    expect_page "S3"
+    use_store "$work/secret" rm "$url"
+    use_store "$work/secret" exists "$url"
+    expect_failure "an object that was removed" "there is no such object"
+    use_store "$work/wrong-secret" ls s3://demo
+    expect_failure "a wrong secret key" SignatureDoesNotMatch
+    say "Saw an object go to the store and come back, and what the store says of a wrong secret key."
+}
+
 work=$(mktemp -d)
 mkdir "$work/mails" "$work/pages" "$work/temp"
 printf '<html><body>Hello from the demo server: grüß dich.</body></html>\n' >"$work/pages/hello.html"
@@ -245,6 +309,10 @@ printf 'Grüße aus der Demo.\n.\nDie Zeile mit dem Punkt gehört dazu.\n' >"$wo
 send_mail --from jane@example.org --to joe@example.org --to jim@example.org --subject 'Grüße mit Anhang' \
     --text "$work/letter.txt" --attach "$work/pages/hello.html"
 show_mail
+
+start_object_store
+say "Started an object store as process $object_store_pid on port $store_port of 127.0.0.1."
+show_object_round_trip
 
 say ""
 clean_up
