@@ -82,7 +82,7 @@ CS3ErrorResponse parseErrorResponse(const TBuffer<unsigned char>& responseData) 
 
 } // namespace
 
-int CS3Client::performRequest(CNetRequest& request) {
+int CS3Client::performRequest(CNetRequest& request) const {
     const auto performOnce = [&request] {
         try {
             request.perform();

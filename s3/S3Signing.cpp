@@ -20,7 +20,7 @@ constexpr std::wstring_view amzHeaderStart = L"x-amz-";
 
 } // namespace
 
-P<CNetHeaders> CS3Client::beginPrepareRequest(CNetRequest& request, const String& url) {
+P<CNetHeaders> CS3Client::beginPrepareRequest(CNetRequest& request, const String& url) const {
     request.reset();
     request.setURL(url);
     // An object may be called "..": libcurl would ask for the path above, and that is the bucket.

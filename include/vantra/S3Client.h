@@ -151,7 +151,7 @@ public:
     /// response from S3" as a warning. @return the number of tries.
     /// @throws CS3Error when the body of the answer was an error document; otherwise what
     /// CNetRequest::perform throws.
-    int performRequest(CNetRequest& request);
+    int performRequest(CNetRequest& request) const;
 
     /// Whether a failure may pass. An error of the service: "InternalError", "SlowDown", "IncompleteBody",
     /// "InvalidDigest", "OperationAborted" and "RequestTimeTooSkewed"; another one with a response code: 500,
@@ -189,7 +189,7 @@ public:
 protected:
     /// Resets the request and gives it the URL, the client's settings and the header "Date". The result is
     /// the request's collection of headers, to add to.
-    [[nodiscard]] kel::P<CNetHeaders> beginPrepareRequest(CNetRequest& request, const kel::String& url);
+    [[nodiscard]] kel::P<CNetHeaders> beginPrepareRequest(CNetRequest& request, const kel::String& url) const;
     /// Signs. No header that counts for the signature may be added afterwards.
     void finishPrepareRequest(CNetRequest& request);
     /// The value under exactly this name, or empty.
