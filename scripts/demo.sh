@@ -1,35 +1,19 @@
 #!/usr/bin/env bash
-# Shows the vantra command at work on a fresh Debian 12 machine: installs what is missing, builds the command, starts a
-# web server on loopback and fetches from it, sends a mail to a mail server there, and takes an object to an object
-# store and back. Fails if anything turns out other than it should. Leaves nothing behind but the packages and the build
-# folder.
+# Shows the vantra command at work on a fresh Debian 12 machine: installs what is missing, builds the command, starts
+# servers on loopback, fetches from a web server, takes files to an FTP server and an object store and back, and sends a
+# mail. Fails if anything turns out other than it should. Leaves nothing behind but the packages and the build folder.
 # shellcheck source=scripts/lib.sh
 . "$(dirname "$0")/lib.sh"
+# shellcheck source=scripts/demo-servers.sh
+. scripts/demo-servers.sh
 
 [ $# -eq 0 ] || die "takes no arguments"
-export PATH=$PATH:/usr/sbin:/sbin # nginx, for an ordinary user
+export PATH=$PATH:/usr/sbin:/sbin # nginx and proftpd, for an ordinary user
 build=build/demo
 vantra=$build/bin/vantra
-server_pid=
-mail_server_pid=
-object_store_pid=
-work=
-
-# stop_server NAME PROCESS: PROCESS may be empty.
-stop_server() {
-    if [ -n "$2" ] && kill "$2" 2>/dev/null; then
-        wait "$2" || true
-        say "Stopped the $1 server (process $2)."
-    fi
-}
 
 clean_up() {
-    stop_server web "$server_pid"
-    stop_server mail "$mail_server_pid"
-    stop_server "object store" "$object_store_pid"
-    server_pid=
-    mail_server_pid=
-    object_store_pid=
+    stop_servers
     if [ -n "$work" ]; then rm -rf "$work"; fi
 }
 trap clean_up EXIT
@@ -66,76 +50,6 @@ make_certificates() {
         -extfile "$work/names.conf" -out "$work/server.crt"
 }
 
-accepts_connections() {
-    (exec 3<>"/dev/tcp/127.0.0.1/$1") 2>/dev/null
-}
-
-# A port below those that the system gives to outgoing connections.
-free_port() {
-    local port
-    while :; do
-        port=$((RANDOM % 10000 + 20000))
-        accepts_connections "$port" || break
-    done
-    say "$port"
-}
-
-# write_server_configuration HTTP-PORT HTTPS-PORT
-write_server_configuration() {
-    local user=
-    # Otherwise root's server would read the pages as another user, who cannot.
-    [ "$(id -u)" -ne 0 ] || user='user root;'
-    cat >"$work/nginx.conf" <<CONF
-$user
-daemon off;
-worker_processes 1;
-pid $work/nginx.pid;
-error_log stderr warn;
-events { worker_connections 64; }
-http {
-    access_log off;
-    client_body_temp_path $work/temp;
-    proxy_temp_path $work/temp;
-    fastcgi_temp_path $work/temp;
-    scgi_temp_path $work/temp;
-    uwsgi_temp_path $work/temp;
-    default_type text/plain;
-    types { text/html html; }
-    server {
-        listen 127.0.0.1:$1;
-        listen 127.0.0.1:$2 ssl;
-        ssl_certificate $work/server.crt;
-        ssl_certificate_key $work/server.key;
-        root $work/pages;
-        error_page 404 /missing.html;
-    }
-}
-CONF
-}
-
-# Sets http_port and https_port. Another program may take a port between the choice and the start; then once more.
-start_server() {
-    local attempt waited
-    for attempt in 1 2 3 4 5; do
-        http_port=$(free_port)
-        https_port=$(free_port)
-        write_server_configuration "$http_port" "$https_port"
-        nginx -p "$work" -e stderr -c "$work/nginx.conf" 2>"$work/nginx.log" &
-        server_pid=$!
-        for ((waited = 0; waited < 100; waited++)); do
-            if ! kill -0 "$server_pid" 2>/dev/null; then break; fi
-            if accepts_connections "$http_port" && accepts_connections "$https_port"; then return; fi
-            sleep 0.1
-        done
-        kill "$server_pid" 2>/dev/null || true
-        wait "$server_pid" 2>/dev/null || true
-        server_pid=
-        grep -q 'Address already in use' "$work/nginx.log" || break
-    done
-    cat "$work/nginx.log" >&2
-    die "the web server did not start (attempt $attempt)"
-}
-
 # fetch ARGUMENT...: runs "vantra get" into the files body, messages and status of the work folder, and shows it.
 fetch() {
     local shown=${*//$work/TEMP}
@@ -165,28 +79,34 @@ expect_failure() {
     grep -qF -- "$2" "$work/messages" || die "the message about $1 should contain: $2"
 }
 
-# Sets starttls_port; see start_server.
-start_mail_server() {
-    local attempt waited plain_port tls_port
-    for attempt in 1 2 3 4 5; do
-        plain_port=$(free_port)
-        starttls_port=$(free_port)
-        tls_port=$(free_port)
-        /usr/bin/python3 -I tests/support/smtp_server.py "$work/mails" "$plain_port" "$starttls_port" "$tls_port" \
-            "$work/server.crt" "$work/server.key" >"$work/mail.log" 2>&1 </dev/null &
-        mail_server_pid=$!
-        for ((waited = 0; waited < 100; waited++)); do
-            if ! kill -0 "$mail_server_pid" 2>/dev/null; then break; fi
-            if accepts_connections "$tls_port"; then return; fi # the last one that it opens
-            sleep 0.1
-        done
-        kill "$mail_server_pid" 2>/dev/null || true
-        wait "$mail_server_pid" 2>/dev/null || true
-        mail_server_pid=
-        grep -qi 'address already in use' "$work/mail.log" || break
-    done
-    cat "$work/mail.log" >&2
-    die "the mail server did not start (attempt $attempt)"
+# use_ftp VERB ARGUMENT...: runs "vantra ftp" with explicit TLS into the files body, messages and status, and shows it.
+use_ftp() {
+    local arguments=("$@" --tls explicit --cacert "$work/ca.crt" --user user --password-file "$work/password")
+    local status=0
+    say ""
+    say "  \$ vantra ftp ${arguments[*]//$work/TEMP}"
+    env -u ftp_proxy -u all_proxy -u FTP_PROXY -u ALL_PROXY \
+        "$vantra" ftp "${arguments[@]}" >"$work/body" 2>"$work/messages" </dev/null || status=$?
+    sed 's/^/  /' "$work/body" "$work/messages"
+    say "  (exit status $status)"
+    printf '%s\n' "$status" >"$work/status"
+}
+
+# Takes a file to the FTP server and back.
+show_file_round_trip() {
+    local folder=ftp://127.0.0.1:$ftp_port/reports
+    use_ftp put "$folder/2019/april.html" "$work/pages/hello.html" --create-dirs
+    [ "$(cat "$work/status")" = 0 ] || die "storing the file failed"
+    cmp "$work/pages/hello.html" "$work/files/reports/2019/april.html" || die "the file on the server is another one"
+    use_ftp ls "$folder/2019"
+    grep -q ' april\.html$' "$work/body" || die "the file is missing from the listing"
+    use_ftp get "$folder/2019/april.html"
+    expect_page "FTP with TLS"
+    use_ftp rmtree "$folder" --yes
+    [ ! -e "$work/files/reports" ] || die "the folder is still there"
+    use_ftp stat "$folder"
+    expect_failure "a folder that was removed" 550
+    say "Saw a file go to the FTP server and come back over TLS, and its folders made and removed."
 }
 
 # send_mail ARGUMENT...: runs "vantra mail send" with STARTTLS and a login, and shows it.
@@ -213,30 +133,6 @@ show_mail() {
     grep -qF "$(base64 --wrap 76 "$work/pages/hello.html")" <(tr -d '\r' <"$work/mails/1.eml") ||
         die "the attachment should have come with the mail"
     say "Saw that the mail came over TLS with a login, and the attachment with it."
-}
-
-# An object store with the bucket "demo".
-start_object_store() {
-    local attempt waited ports
-    for attempt in 1 2 3 4 5; do
-        store_port=$(free_port)
-        ports=("$store_port" "$(free_port)" "$(free_port)" "$(free_port)")
-        mkdir "$work/store$attempt"
-        /usr/bin/python3 -I tests/support/s3_server.py "$work/store$attempt" "${ports[@]}" demo \
-            >"$work/store.log" 2>&1 </dev/null &
-        object_store_pid=$!
-        for ((waited = 0; waited < 200; waited++)); do
-            if ! kill -0 "$object_store_pid" 2>/dev/null; then break; fi
-            if accepts_connections "$store_port"; then return; fi # the last one that it opens
-            sleep 0.1
-        done
-        kill "$object_store_pid" 2>/dev/null || true
-        wait "$object_store_pid" 2>/dev/null || true
-        object_store_pid=
-        grep -qi 'address already in use' "$work/store.log" || break
-    done
-    cat "$work/store.log" >&2
-    die "the object store did not start (attempt $attempt)"
 }
 
 # use_store SECRET-FILE ARGUMENT...: runs "vantra s3" into the files body, messages and status, and shows it.
@@ -283,7 +179,7 @@ printf '<html><body><p>This server has\nno such page.</p></body></html>\n' >"$wo
 build_command
 make_certificates
 say "Made a certificate authority and a certificate for 127.0.0.1 with openssl."
-start_server
+start_server "web server" prepare_web_server
 say "Started nginx as process $server_pid with HTTP on port $http_port and HTTPS on port $https_port of 127.0.0.1."
 
 fetch "http://127.0.0.1:$http_port/hello.html"
@@ -302,16 +198,20 @@ expect_failure "a page that does not exist" 404
 expect_failure "a page that does not exist" "This server has no such page."
 say "Saw that a missing page is an error, with the status 404 and the server's own message."
 
-start_mail_server
-say "Started aiosmtpd as process $mail_server_pid with STARTTLS on port $starttls_port of 127.0.0.1."
 printf 'secret\n' >"$work/password"
+start_server "FTP server" prepare_ftp_server
+say "Started proftpd as process $server_pid on port $ftp_port of 127.0.0.1."
+show_file_round_trip
+
+start_server "mail server" prepare_mail_server
+say "Started aiosmtpd as process $server_pid with STARTTLS on port $starttls_port of 127.0.0.1."
 printf 'Grüße aus der Demo.\n.\nDie Zeile mit dem Punkt gehört dazu.\n' >"$work/letter.txt"
 send_mail --from jane@example.org --to joe@example.org --to jim@example.org --subject 'Grüße mit Anhang' \
     --text "$work/letter.txt" --attach "$work/pages/hello.html"
 show_mail
 
-start_object_store
-say "Started an object store as process $object_store_pid on port $store_port of 127.0.0.1."
+start_server "object store" prepare_object_store
+say "Started an object store as process $server_pid on port $store_port of 127.0.0.1."
 show_object_round_trip
 
 say ""

@@ -18,8 +18,10 @@ using kel::String;
 
 namespace {
 
-/// The path without the slashes at its end, which servers take amiss in the name of a directory.
-String withoutEndSlash(const String& path) {
+/// The address's path for commands, without the slashes at its end, which servers take amiss in the name of a
+/// directory.
+String getPathFor(CEscapingFTPClient& client, CNetRequest& request, const CFTPAddress& address) {
+    const String path = client.toPathFromRoot(request, address.getPath());
     std::size_t length = path.length();
     while (length > 1 && path[length - 1] == L'/') --length;
     return path.substr(0, length);
@@ -32,8 +34,8 @@ CFTPMakeDirVerb::CFTPMakeDirVerb(CLI::App& group) : CFTPVerb(group, "mkdir", "Cr
     addCommonOptions();
 }
 
-void CFTPMakeDirVerb::runWith(const CFTPClient& client, CNetRequest& request) {
-    client.createDir(request, withoutEndSlash(getAddress().getPath()), createsDirs());
+void CFTPMakeDirVerb::runWith(CEscapingFTPClient& client, CNetRequest& request) {
+    client.createDir(request, getPathFor(client, request, getAddress()), createsDirs());
 }
 
 CFTPRemoveDirVerb::CFTPRemoveDirVerb(CLI::App& group)
@@ -41,16 +43,16 @@ CFTPRemoveDirVerb::CFTPRemoveDirVerb(CLI::App& group)
     addCommonOptions();
 }
 
-void CFTPRemoveDirVerb::runWith(const CFTPClient& client, CNetRequest& request) {
-    client.removeDir(request, withoutEndSlash(getAddress().getPath()));
+void CFTPRemoveDirVerb::runWith(CEscapingFTPClient& client, CNetRequest& request) {
+    client.removeDir(request, getPathFor(client, request, getAddress()));
 }
 
 CFTPRemoveVerb::CFTPRemoveVerb(CLI::App& group) : CFTPVerb(group, "rm", "Delete a file") {
     addCommonOptions();
 }
 
-void CFTPRemoveVerb::runWith(const CFTPClient& client, CNetRequest& request) {
-    client.deleteFile(request, getAddress().getPath());
+void CFTPRemoveVerb::runWith(CEscapingFTPClient& client, CNetRequest& request) {
+    client.deleteFile(request, client.toPathFromRoot(request, getAddress().getPath()));
 }
 
 CFTPMoveVerb::CFTPMoveVerb(CLI::App& group)
@@ -72,9 +74,9 @@ void CFTPMoveVerb::check() const {
     if (target_->getURL().getLogin()) throw CUsageError("NEWURL: must not hold a login");
 }
 
-void CFTPMoveVerb::runWith(const CFTPClient& client, CNetRequest& request) {
-    const String from = withoutEndSlash(getAddress().getPath());
-    const String to = withoutEndSlash(target_->getPath());
+void CFTPMoveVerb::runWith(CEscapingFTPClient& client, CNetRequest& request) {
+    const String from = getPathFor(client, request, getAddress());
+    const String to = getPathFor(client, request, *target_);
     bool isDirectory = false;
     if (createsDirs()) {
         client.prepareGetInfoRequest(request, from);
@@ -109,8 +111,8 @@ void CFTPRemoveTreeVerb::askUser() const {
     if (answer != "y" && answer != "Y" && answer != "yes") throw CError(url + ": nothing was removed.");
 }
 
-void CFTPRemoveTreeVerb::runWith(const CFTPClient& client, CNetRequest& request) {
-    client.deleteDirWithAllContents(request, withoutEndSlash(getAddress().getPath()));
+void CFTPRemoveTreeVerb::runWith(CEscapingFTPClient& client, CNetRequest& request) {
+    client.deleteDirWithAllContents(request, getPathFor(client, request, getAddress()));
 }
 
 } // namespace vantra::tool

@@ -14,7 +14,7 @@ public:
     explicit CFTPMakeDirVerb(CLI::App& group);
 
 protected:
-    void runWith(const CFTPClient& client, CNetRequest& request) override;
+    void runWith(CEscapingFTPClient& client, CNetRequest& request) override;
 };
 
 /// vantra ftp rmdir URL: removes an empty directory.
@@ -23,7 +23,7 @@ public:
     explicit CFTPRemoveDirVerb(CLI::App& group);
 
 protected:
-    void runWith(const CFTPClient& client, CNetRequest& request) override;
+    void runWith(CEscapingFTPClient& client, CNetRequest& request) override;
 };
 
 /// vantra ftp rm URL: deletes a file.
@@ -32,7 +32,7 @@ public:
     explicit CFTPRemoveVerb(CLI::App& group);
 
 protected:
-    void runWith(const CFTPClient& client, CNetRequest& request) override;
+    void runWith(CEscapingFTPClient& client, CNetRequest& request) override;
 };
 
 /// vantra ftp mv URL NEWURL: gives a file or directory another name, in the same or another directory.
@@ -42,7 +42,7 @@ public:
 
 protected:
     void check() const override;
-    void runWith(const CFTPClient& client, CNetRequest& request) override;
+    void runWith(CEscapingFTPClient& client, CNetRequest& request) override;
 
 private:
     std::optional<CFTPAddress> target_;
@@ -55,7 +55,7 @@ public:
 
 protected:
     void check() const override;
-    void runWith(const CFTPClient& client, CNetRequest& request) override;
+    void runWith(CEscapingFTPClient& client, CNetRequest& request) override;
 
 private:
     void askUser() const;

@@ -68,7 +68,7 @@ CFTPListVerb::CFTPListVerb(CLI::App& group)
     addCommonOptions();
 }
 
-void CFTPListVerb::runWith(const CFTPClient& client, CNetRequest& request) {
+void CFTPListVerb::runWith(CEscapingFTPClient& client, CNetRequest& request) {
     const P<CFTPListDirResult> listing = client.listDir(request, getAddress().getPath());
     const std::unique_ptr<IOutput> output = openOutput(std::nullopt);
     std::string text;
@@ -85,8 +85,8 @@ CFTPStatVerb::CFTPStatVerb(CLI::App& group)
     addCommonOptions();
 }
 
-void CFTPStatVerb::runWith(const CFTPClient& client, CNetRequest& request) {
-    client.prepareGetInfoRequest(request, getAddress().getPath());
+void CFTPStatVerb::runWith(CEscapingFTPClient& client, CNetRequest& request) {
+    client.prepareGetInfoRequest(request, client.toPathFromRoot(request, getAddress().getPath()));
     request.perform();
     const CFTPGetInfoResult result(request.getResponseInfo());
     const std::unique_ptr<IOutput> output = openOutput(std::nullopt);

@@ -12,7 +12,7 @@ public:
     explicit CFTPListVerb(CLI::App& group);
 
 protected:
-    void runWith(const CFTPClient& client, CNetRequest& request) override;
+    void runWith(CEscapingFTPClient& client, CNetRequest& request) override;
 };
 
 /// vantra ftp stat URL: the same line for the file or directory itself.
@@ -21,7 +21,7 @@ public:
     explicit CFTPStatVerb(CLI::App& group);
 
 protected:
-    void runWith(const CFTPClient& client, CNetRequest& request) override;
+    void runWith(CEscapingFTPClient& client, CNetRequest& request) override;
 };
 
 } // namespace vantra::tool

@@ -26,34 +26,6 @@ Value choose(const std::string& option, const std::string& argument,
 
 } // namespace
 
-/// Escapes the paths that go into URLs, and adds what the user wants of every request.
-class CFTPOptions::CClient : public CFTPClient {
-public:
-    CClient(const CFTPOptions& options, const CFTPAddress& address, CTransferMonitor& monitor)
-        : CClient(options, address, monitor, options.getLogin(address)) {}
-
-protected:
-    void beginPrepareRequest(CNetRequest& request, const String& path,
-                             bool createMissingDirs) const override {
-        CFTPClient::beginPrepareRequest(request, escapePath(path), createMissingDirs);
-        request.setOptionString(CURLOPT_PROTOCOLS_STR, "ftp,ftps");
-        connection_.applyTo(request);
-        monitor_.attachTo(request);
-    }
-
-private:
-    CClient(const CFTPOptions& options, const CFTPAddress& address, CTransferMonitor& monitor,
-            const Login& login)
-        : CFTPClient(address.getHost(), login.user, login.password, options.getConnectType(address)),
-          connection_(options.connection_),
-          monitor_(monitor) {
-        setOverrideCWDType(options.cwdType_);
-    }
-
-    const CConnectionOptions& connection_;
-    CTransferMonitor& monitor_;
-};
-
 void CFTPOptions::addTo(CLI::App& verb) {
     login_.addTo(verb);
     verb.add_option_function<std::string>(
@@ -97,8 +69,11 @@ CFTPClient::ConnectType CFTPOptions::getConnectType(const CFTPAddress& address) 
     return CFTPClient::ConnectImplicitTLS;
 }
 
-P<CFTPClient> CFTPOptions::makeClient(const CFTPAddress& address, CTransferMonitor& monitor) const {
-    return new CClient(*this, address, monitor);
+P<CEscapingFTPClient> CFTPOptions::makeClient(const CFTPAddress& address, CTransferMonitor& monitor) const {
+    P<CEscapingFTPClient> client = new CEscapingFTPClient(address.getHost(), getLogin(address),
+                                                          getConnectType(address), connection_, monitor);
+    client->setOverrideCWDType(cwdType_);
+    return client;
 }
 
 } // namespace vantra::tool

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "ConnectionOptions.h"
+#include "ftp/EscapingFTPClient.h"
 #include "ftp/FTPAddress.h"
 #include "LoginOptions.h"
 #include "TransferMonitor.h"
@@ -29,15 +30,14 @@ public:
     /// Adds the options to a verb. To be called once.
     void addTo(CLI::App& verb);
 
-    /// A client of the address's server that takes every path as it is: names need no escape, wherever they
-    /// go. Its requests use the options, and are watched by the monitor, which must outlive it, as must this.
+    /// A client of the address's server. Its requests use the options, and are watched by the monitor, which
+    /// must outlive it, as must this.
     /// @throws CUsageError for options that do not fit the address; kel::CError if a file that one names
     /// cannot be read.
-    [[nodiscard]] kel::P<CFTPClient> makeClient(const CFTPAddress& address, CTransferMonitor& monitor) const;
+    [[nodiscard]] kel::P<CEscapingFTPClient> makeClient(const CFTPAddress& address,
+                                                        CTransferMonitor& monitor) const;
 
 private:
-    class CClient;
-
     [[nodiscard]] Login getLogin(const CFTPAddress& address) const;
     [[nodiscard]] CFTPClient::ConnectType getConnectType(const CFTPAddress& address) const;
 

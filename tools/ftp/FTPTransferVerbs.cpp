@@ -36,7 +36,7 @@ CFTPGetVerb::CFTPGetVerb(CLI::App& group)
     addCommonOptions();
 }
 
-void CFTPGetVerb::runWith(const CFTPClient& client, CNetRequest& request) {
+void CFTPGetVerb::runWith(CEscapingFTPClient& client, CNetRequest& request) {
     client.prepareDownloadRequest(request, getAddress().getPath(), 0, -1);
     if (range_) range_->applyTo(request);
     const std::unique_ptr<IOutput> output = openOutput(outputName_);
@@ -62,7 +62,7 @@ void CFTPPutVerb::check() const {
     if (getAddress().getPath().endsWith(L"/")) throw CUsageError("URL: must name a file");
 }
 
-void CFTPPutVerb::runWith(const CFTPClient& client, CNetRequest& request) {
+void CFTPPutVerb::runWith(CEscapingFTPClient& client, CNetRequest& request) {
     const P<CFileInStream> file = new CFileInStream(file_);
     client.prepareUploadRequest(request, getAddress().getPath(), nullptr, 0, createsDirs());
     request.setSendDataStream(file);

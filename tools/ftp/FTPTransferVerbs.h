@@ -17,7 +17,7 @@ public:
     explicit CFTPGetVerb(CLI::App& group);
 
 protected:
-    void runWith(const CFTPClient& client, CNetRequest& request) override;
+    void runWith(CEscapingFTPClient& client, CNetRequest& request) override;
 
 private:
     std::optional<kel::String> outputName_;
@@ -31,7 +31,7 @@ public:
 
 protected:
     void check() const override;
-    void runWith(const CFTPClient& client, CNetRequest& request) override;
+    void runWith(CEscapingFTPClient& client, CNetRequest& request) override;
 
 private:
     kel::String file_;

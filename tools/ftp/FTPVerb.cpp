@@ -39,7 +39,7 @@ void CFTPVerb::addCreateDirsOption() {
 void CFTPVerb::run() {
     check();
     CTransferMonitor monitor;
-    const P<CFTPClient> client = options_.makeClient(getAddress(), monitor);
+    const P<CEscapingFTPClient> client = options_.makeClient(getAddress(), monitor);
     const P<CNetRequest> request = new CNetRequest();
     const std::unique_ptr<CTransferLog> log = logOption_.open();
     const CInterruptGuard interruptGuard;

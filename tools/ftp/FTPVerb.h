@@ -28,7 +28,7 @@ protected:
     /// What can be said about the arguments before anything is read or sent. @throws CUsageError
     virtual void check() const {}
     /// Does what the verb is for. @throws kel::CError, of a transfer as it comes from the request.
-    virtual void runWith(const CFTPClient& client, CNetRequest& request) = 0;
+    virtual void runWith(CEscapingFTPClient& client, CNetRequest& request) = 0;
 
     [[nodiscard]] const CFTPAddress& getAddress() const { return *address_; }
     [[nodiscard]] bool createsDirs() const noexcept { return createsDirs_; }

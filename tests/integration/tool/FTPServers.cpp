@@ -38,9 +38,15 @@ Outcome ToolFtp::runFtp(std::vector<std::string> arguments, std::string_view sta
     return runTool(arguments, standardInput);
 }
 
-std::string ToolFtp::serverUrl(std::string_view path) {
+std::string ToolFtp::loginUrl() {
     const std::string scheme = GetParam().security == FtpSecurity::implicitTls ? "ftps://" : "ftp://";
-    return scheme + server().host(GetParam().security) + server().path(path);
+    return scheme + server().host(GetParam().security);
+}
+
+std::string ToolFtp::serverUrl(std::string_view path) { return loginUrl() + server().path(path); }
+
+std::string ToolFtp::urlFromLogin(std::string_view path) const {
+    return loginUrl() + folder_ + std::string(path);
 }
 
 std::string ToolFtp::url(std::string_view path) const { return serverUrl(folder_ + std::string(path)); }

@@ -39,6 +39,8 @@ protected:
     std::string url(std::string_view path) const;
     /// The URL of any path of the server.
     static std::string serverUrl(std::string_view path);
+    /// As url(), counted from the directory of the login.
+    std::string urlFromLogin(std::string_view path) const;
     /// The same files in the server's file system.
     std::string fileAt(std::string_view path) const { return server().file(folder_ + std::string(path)); }
     void writeFile(std::string_view path, std::string_view content) const;
@@ -47,6 +49,8 @@ protected:
     testsupport::TempDir local_;
 
 private:
+    static std::string loginUrl();
+
     std::string folder_; // from "/" on
     std::string passwordFile_;
 };

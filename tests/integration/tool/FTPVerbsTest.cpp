@@ -176,6 +176,27 @@ TEST_P(ToolFtp, RemovesATreeOnceTheUserHasAgreed) {
     EXPECT_THAT(filesIn(fileAt("")), IsEmpty());
 }
 
+TEST_P(ToolFtp, CountsPathsFromTheDirectoryOfTheLogin) {
+    writeFile("/d/f", "content");
+    EXPECT_EQ(runFtp({"get", urlFromLogin("/d/f")}), succeeded("content"));
+    EXPECT_THAT(runFtp({"stat", urlFromLogin("/d")}).output, StartsWith("dir              -  "));
+    EXPECT_EQ(runFtp({"mkdir", urlFromLogin("/e")}), succeeded(""));
+    EXPECT_EQ(runFtp({"mv", urlFromLogin("/d/f"), urlFromLogin("/e/g")}), succeeded(""));
+    EXPECT_EQ(readFile("/e/g"), "content");
+    EXPECT_EQ(runFtp({"rmdir", urlFromLogin("/d")}), succeeded(""));
+    EXPECT_FALSE(std::filesystem::exists(fileAt("/d")));
+    EXPECT_EQ(runFtp({"mkdir", "--create-dirs", urlFromLogin("/h/i")}), succeeded(""));
+    EXPECT_EQ(runFtp({"mv", "--create-dirs", urlFromLogin("/e/g"), urlFromLogin("/h/j/k")}), succeeded(""));
+    EXPECT_EQ(readFile("/h/j/k"), "content");
+    EXPECT_EQ(runFtp({"mv", "--create-dirs", urlFromLogin("/h"), urlFromLogin("/l/m")}), succeeded(""));
+    EXPECT_EQ(readFile("/l/m/j/k"), "content");
+    EXPECT_EQ(runFtp({"rm", urlFromLogin("/l/m/j/k")}), succeeded(""));
+    EXPECT_FALSE(std::filesystem::exists(fileAt("/l/m/j/k")));
+    writeFile("/l/n", "");
+    EXPECT_EQ(runFtp({"rmtree", "--yes", urlFromLogin("/l")}), succeeded(""));
+    EXPECT_FALSE(std::filesystem::exists(fileAt("/l")));
+}
+
 TEST_P(ToolFtp, TakesNamesThatURLsEncode) {
     const std::string file = local_.writeFile("file", "content");
     const std::string name = "/%20a%20%3Bb%25%23%3F%E2%82%AC";
