@@ -45,6 +45,7 @@ add_library(vantra_objects OBJECT
     request/NetRequestData.cpp
     request/NetRequestErrors.cpp
     request/NetRequestEscape.cpp
+    request/NetRequestFTP.cpp
     request/NetRequestPerform.cpp
     request/NetRequestResponseLines.cpp
     request/NetRequestSettings.cpp

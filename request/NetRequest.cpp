@@ -46,6 +46,7 @@ void CNetRequest::reset() {
     customHeaders_ = nullptr;
     ftpPreCommands_ = nullptr;
     ftpPostCommands_ = nullptr;
+    forbidsReuse_ = false;
     verboseMessages_.clear();
     resetForPerform();
     setDefaultOptions();

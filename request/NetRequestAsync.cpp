@@ -48,6 +48,7 @@ void CNetRequest::finishAsync(CURLcode result) noexcept {
 
 void CNetRequest::settleAsyncResult(CURLcode result) {
     asyncResult_ = result;
+    if (result == CURLE_OK) letConnectionBeReused();
     // Unlike perform() this looks at the URL as it is spelt: clients of "HTTP://" URLs rely on every response
     // counting as a success here.
     if (result == CURLE_OK && url_.startsWith(L"http") && !isSuccessStatus(getResponseCode()))

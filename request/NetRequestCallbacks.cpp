@@ -136,7 +136,10 @@ void CNetRequest::handleHeaderLine(std::string_view line) {
         headerLine_ = String::fromLatin1(line);
         addResponseLine(headerLine_.toUTF8());
     }
-    if (!isHTTP_) return;
+    if (!isHTTP_) {
+        watchFTPReply(line);
+        return;
+    }
     if (headerLine_.startsWith(L"HTTP/")) {
         if (!httpStatusLine_.isEmpty()) headerAssembler_.reset();
         httpStatusLine_ = headerLine_.trim();

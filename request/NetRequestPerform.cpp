@@ -21,6 +21,7 @@ void CNetRequest::perform() {
 
 void CNetRequest::performTransfer() {
     const CURLcode result = curl_easy_perform(handle_.get());
+    if (result == CURLE_OK) letConnectionBeReused();
     if (pendingError_) pendingError_->throwClone();
     const String domain = getResponseCodeDomain();
     const int responseCode = getResponseCode();
@@ -46,10 +47,13 @@ void CNetRequest::resetForPerform() {
     defaultReceiveStream_->seek(0);
     defaultReceiveBuffer_->setUsed(0);
     sendDataPosition_ = 0;
+    letConnectionBeReused();
     if (sendDataSource_ && sendDataSource_->getPosition() != 0) sendDataSource_->seek(0);
 }
 
-int CNetRequest::getResponseCode() const { return getInfoLong(CURLINFO_RESPONSE_CODE); }
+int CNetRequest::getResponseCode() const {
+    return ftpRefusalCode_ != 0 ? ftpRefusalCode_ : getInfoLong(CURLINFO_RESPONSE_CODE);
+}
 
 int CNetRequest::getInfoLong(CURLINFO info) const {
     long value = 0;

@@ -175,6 +175,7 @@ void CNetRequest::setOptionInt64(CURLoption option, int64 value) {
     switch (getOptionValue(option)) {
     case OptionValue::Long:
         setOption(option, toLong(value));
+        if (option == CURLOPT_FORBID_REUSE) forbidsReuse_ = value != 0;
         break;
     case OptionValue::Offset:
         setOption(option, static_cast<curl_off_t>(value));

@@ -74,7 +74,8 @@ step_debug() {
 
 step_asan() {
     build_preset asan
-    export ASAN_OPTIONS=detect_leaks=1:detect_stack_use_after_return=1:strict_string_checks=1
+    # Without strict_string_checks: libcurl parses numbers in buffers that no NUL ends, and may.
+    export ASAN_OPTIONS=detect_leaks=1:detect_stack_use_after_return=1
     export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
     run_tests asan --
 }

@@ -28,9 +28,9 @@ namespace vantra {
 ///
 /// Over TLS libcurl 7.88 reports an upload or listing that the server refuses as CURLE_FTP_WEIRD_PASV_REPLY:
 /// it takes the end of the data connection for a failure to open it, tries once more, and reads the refusal
-/// as the reply to that. The response code is the refusal's or that of the second try. It keeps the
-/// connection, on which there is a reply too many then; a transfer that uses it at once may take the refusal
-/// of a command for the success of the one after. After this error go on with a new request.
+/// as the reply to that. The response code is the refusal's or that of the second try. A connection on
+/// which the server has refused a transfer over TLS is closed afterwards, because a reply too many may be
+/// waiting on it; the next transfer opens a new one.
 ///
 /// Thread safety: any number of threads may prepare requests, each its own; setOverrideCWDType and assignment
 /// need the client for themselves.

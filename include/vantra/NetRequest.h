@@ -241,7 +241,8 @@ public:
     }
     /// Every header or reply line of the transfer as it was received, line ends included.
     [[nodiscard]] const CNetStringList& getResponseInfo() const;
-    /// The latest response code of any protocol, 0 when there was none (CURLINFO_RESPONSE_CODE).
+    /// The latest response code of any protocol, 0 when there was none (CURLINFO_RESPONSE_CODE). Where an FTP
+    /// server refused the transfer over TLS, the refusal's, not that of the farewell behind it.
     [[nodiscard]] int getResponseCode() const;
     /// "http", "ftp" or "smtp" by the scheme of the URL, otherwise empty.
     [[nodiscard]] kel::String getResponseCodeDomain() const;
@@ -358,6 +359,8 @@ private:
     int seekHandler(kel::int64 offset, int origin) noexcept;
     std::size_t headerHandler(const char* line, std::size_t length) noexcept;
     void handleHeaderLine(std::string_view line);
+    void watchFTPReply(std::string_view line);
+    void letConnectionBeReused();
     void addResponseLine(std::string_view utf8);
     void clearResponseLines();
     void settleStatusCode();
@@ -389,7 +392,10 @@ private:
     int httpStatusCode_ = -1;
     kel::P<CNetStringList> ftpPreCommands_;
     kel::P<CNetStringList> ftpPostCommands_;
-    std::string responseLines_;                   // every line received, in UTF-8, one behind the other
+    bool forbidsReuse_ = false;         // as the caller set CURLOPT_FORBID_REUSE
+    bool hasFTPDataConnection_ = false; // whether the server has offered one in the present transfer
+    int ftpRefusalCode_ = 0;            // the reply for which the transfer's connection is not to be reused
+    std::string responseLines_;         // every line received, in UTF-8, one behind the other
     std::vector<std::size_t> responseLineEnds_;   // where each of them ends
     mutable kel::P<CNetStringList> responseInfo_; // as many of the lines as somebody has asked for
     mutable std::size_t responseInfoCount_ = 0;

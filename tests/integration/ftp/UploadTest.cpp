@@ -56,6 +56,20 @@ TEST_P(FTPUpload, FailsInADirectoryThatIsNotThere) {
     }
 }
 
+TEST_P(FTPUpload, GoesToItsDirectoryAfterARefusalOfTheOneBefore) {
+    for (const std::string folder : {"/a", "/b", "/c", "/d", "/e"}) {
+        prepare("/none/f", "content", false);
+        expectRefusedTransfer(performForError());
+        upload(folder + "/sub/f", "content", true);
+        EXPECT_EQ(readFile(folder + "/sub/f"), "content");
+        if (GetParam().security == testsupport::FtpSecurity::none) continue;
+        const kel::P<vantra::CNetStringList::CIterator> line = request_->getResponseInfo().createIterator();
+        ASSERT_TRUE(line->next());
+        EXPECT_TRUE(line->getEntry().startsWith(L"220")) << "no new connection: " << line->getEntry();
+    }
+    EXPECT_THAT(OverFTP::namesIn(""), ElementsAre("a", "b", "c", "d", "e"));
+}
+
 TEST_P(FTPUpload, StoresAFileWithAnyWayToWalk) {
     for (const auto type :
          {CFTPClient::CWDInvalid, CFTPClient::CWDSteps, CFTPClient::CWDDirect, CFTPClient::CWDNone}) {
