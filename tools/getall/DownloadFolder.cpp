@@ -29,7 +29,7 @@ CDownloadFolder::CDownloadFolder(const String& name) : name_(name) {
 
 String CDownloadFolder::reserveName(const String& name) {
     for (int number = 1;; ++number) {
-        const String candidate = numberFileName(name, number);
+        String candidate = numberFileName(name, number);
         if (!exists(candidate) && reserved_.insert(candidate.toLower()).second) return candidate;
     }
 }
