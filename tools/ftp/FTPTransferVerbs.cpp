@@ -21,25 +21,14 @@ using kel::String;
 
 CFTPGetVerb::CFTPGetVerb(CLI::App& group)
     : CFTPVerb(group, "get", "Fetch a file, to standard output or a file") {
-    getParser()
-        .add_option_function<std::string>(
-            "-o,--output",
-            [this](const std::string& argument) { outputName_ = parseFileArgument("--output", argument); },
-            "File to write, - for standard output (the default).\nIt appears when it is complete; after a "
-            "failure an\nexisting file is what it was")
-        ->type_name("FILE");
-    getParser()
-        .add_option_function<std::string>(
-            "--range", [this](const std::string& argument) { range_.emplace("--range", argument); },
-            "Fetch the bytes from A to B (A-B) or all from A on\n(A-) alone; the first byte is 0")
-        ->type_name("A-B");
+    downloadOptions_.addTo(getParser());
     addCommonOptions();
 }
 
 void CFTPGetVerb::runWith(CEscapingFTPClient& client, CNetRequest& request) {
     client.prepareDownloadRequest(request, getAddress().getPath(), 0, -1);
-    if (range_) range_->applyTo(request);
-    const std::unique_ptr<IOutput> output = openOutput(outputName_);
+    if (downloadOptions_.getRange()) downloadOptions_.getRange()->applyTo(request);
+    const std::unique_ptr<IOutput> output = openOutput(downloadOptions_.getOutputName());
     CProgressDisplay display(isStandardErrorTerminal() && !output->isTerminal());
     CProgressLine line(display, getAddress().getURL().getText());
     const P<CResponseSink> sink = new CResponseSink(request, *output, false);

@@ -2,12 +2,10 @@
 /// vantra ftp get and put: carry files from and to the server.
 #pragma once
 
+#include "DownloadOptions.h"
 #include "ftp/FTPVerb.h"
-#include "RangeArgument.h"
 
 #include <kel/String.h>
-
-#include <optional>
 
 namespace vantra::tool {
 
@@ -20,8 +18,7 @@ protected:
     void runWith(CEscapingFTPClient& client, CNetRequest& request) override;
 
 private:
-    std::optional<kel::String> outputName_;
-    std::optional<CRangeArgument> range_;
+    CDownloadOptions downloadOptions_;
 };
 
 /// vantra ftp put URL FILE: stores a file.

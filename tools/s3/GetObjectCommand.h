@@ -2,8 +2,8 @@
 /// vantra s3 get s3://BUCKET/KEY: downloads an object.
 #pragma once
 
+#include "DownloadOptions.h"
 #include "Output.h"
-#include "RangeArgument.h"
 #include "s3/StoreCommand.h"
 
 namespace vantra::tool {
@@ -15,12 +15,10 @@ public:
     void run() override;
 
 private:
-    void addOutputOptions();
     void download(CS3Client& client, CNetRequest& request, IOutput& output, CProgressLine& line) const;
 
     std::optional<CObjectArgument> object_;
-    std::optional<kel::String> outputName_;
-    std::optional<CRangeArgument> range_;
+    CDownloadOptions downloadOptions_;
 };
 
 } // namespace vantra::tool

@@ -39,12 +39,8 @@ void CHeadObjectCommand::run() {
     const P<CS3Client> client = makeClient();
     const P<CNetRequest> request = new CNetRequest();
     client->prepareGetObjectHeadersRequest(*request, object_->getBucket(), object_->getKey());
-    applyTo(*request);
-    const std::unique_ptr<CTransferLog> log = openLog();
     const CInterruptGuard interruptGuard;
-    runLogged(log.get(), *request, [&] {
-        runStoreTransfer(*request, object_->getText(), nullptr, [&] { client->performRequest(*request); });
-    });
+    runRequest(*request, object_->getText(), [&] { client->performRequest(*request); });
     const std::unique_ptr<IOutput> output = openOutput(std::nullopt);
     output->write(describeHeaders(*request));
     output->commit();
@@ -64,14 +60,10 @@ void CCopyObjectCommand::run() {
     const P<CS3Client> client = makeClient();
     const P<CNetRequest> request = new CNetRequest();
     client->prepareCopyObjectRequest(*request, source_->getBucket(), source_->getKey(), target_->getKey());
-    applyTo(*request);
-    const std::unique_ptr<CTransferLog> log = openLog();
     const CInterruptGuard interruptGuard;
-    runLogged(log.get(), *request, [&] {
-        runStoreTransfer(*request, source_->getText(), nullptr, [&] {
-            client->performRequest(*request);
-            CS3Client::checkCopyObjectResult(request->getDefaultReceiveBuffer());
-        });
+    runRequest(*request, source_->getText(), [&] {
+        client->performRequest(*request);
+        CS3Client::checkCopyObjectResult(request->getDefaultReceiveBuffer());
     });
 }
 
@@ -84,12 +76,8 @@ void CRemoveObjectCommand::run() {
     const P<CS3Client> client = makeClient();
     const P<CNetRequest> request = new CNetRequest();
     client->prepareDeleteObjectRequest(*request, object_->getBucket(), object_->getKey());
-    applyTo(*request);
-    const std::unique_ptr<CTransferLog> log = openLog();
     const CInterruptGuard interruptGuard;
-    runLogged(log.get(), *request, [&] {
-        runStoreTransfer(*request, object_->getText(), nullptr, [&] { client->performRequest(*request); });
-    });
+    runRequest(*request, object_->getText(), [&] { client->performRequest(*request); });
 }
 
 CObjectExistsCommand::CObjectExistsCommand(CLI::App& group)
@@ -102,18 +90,14 @@ void CObjectExistsCommand::run() {
     const P<CS3Client> client = makeClient();
     const P<CNetRequest> request = new CNetRequest();
     client->prepareGetObjectHeadersRequest(*request, object_->getBucket(), object_->getKey());
-    applyTo(*request);
-    const std::unique_ptr<CTransferLog> log = openLog();
     const CInterruptGuard interruptGuard;
-    runLogged(log.get(), *request, [&] {
-        runStoreTransfer(*request, object_->getText(), nullptr, [&] {
-            try {
-                client->performRequest(*request);
-            } catch (const CError& error) {
-                if (!CS3Client::isNotFoundError(error)) throw;
-                throw CError(object_->getText() + ": there is no such object.");
-            }
-        });
+    runRequest(*request, object_->getText(), [&] {
+        try {
+            client->performRequest(*request);
+        } catch (const CError& error) {
+            if (!CS3Client::isNotFoundError(error)) throw;
+            throw CError(object_->getText() + ": there is no such object.");
+        }
     });
 }
 

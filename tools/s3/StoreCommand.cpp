@@ -89,6 +89,13 @@ P<CS3Client> CStoreCommand::makeClient() const {
     return client;
 }
 
+void CStoreCommand::runRequest(CNetRequest& request, const String& shownName,
+                               const std::function<void()>& action) const {
+    applyTo(request);
+    const std::unique_ptr<CTransferLog> log = openLog();
+    runLogged(log.get(), request, [&] { runStoreTransfer(request, shownName, nullptr, action); });
+}
+
 void runStoreTransfer(CNetRequest& request, const String& shownName, CProgressLine* line,
                       const std::function<void()>& action) {
     request.setOptionString(CURLOPT_PROTOCOLS_STR, "http,https");

@@ -47,6 +47,11 @@ protected:
     /// Applies the options of connections to a request that the client has prepared.
     void applyTo(CNetRequest& request) const { connection_.applyTo(request); }
 
+    /// Runs an action on a request that the client has prepared as runStoreTransfer() does, with all options
+    /// applied, and writes the log that the user wants. @throws as runStoreTransfer().
+    void runRequest(CNetRequest& request, const kel::String& shownName,
+                    const std::function<void()>& action) const;
+
 private:
     void addKeyOptions();
     void addRetriesOption();
