@@ -4,10 +4,10 @@
 
 #include "ArgumentText.h"
 #include "Errors.h"
+#include "URLHandle.h"
 
 #include <algorithm>
 #include <array>
-#include <memory>
 #include <new>
 
 namespace vantra::tool {
@@ -17,10 +17,6 @@ using kel::String;
 namespace {
 
 constexpr std::array<const char*, 6> schemes{"http", "https", "socks4", "socks4a", "socks5", "socks5h"};
-
-struct URLDeleter {
-    void operator()(CURLU* url) const noexcept { curl_url_cleanup(url); }
-};
 
 [[noreturn]] void refuse(const std::string& option) {
     throw CUsageError(String(option) + ": is neither 'system' nor 'none' nor the address of a proxy such as "
@@ -37,7 +33,7 @@ void checkScheme(const std::string& option, const String& address) {
 
 /// As libcurl will do it, which takes an address without a scheme for one of HTTP.
 void checkParts(const std::string& option, const String& address) {
-    const std::unique_ptr<CURLU, URLDeleter> url(curl_url());
+    const URLHandle url(curl_url());
     if (!url) throw std::bad_alloc();
     const unsigned int flags = CURLU_NON_SUPPORT_SCHEME | CURLU_GUESS_SCHEME;
     if (curl_url_set(url.get(), CURLUPART_URL, address.toUTF8().c_str(), flags) != CURLUE_OK) refuse(option);

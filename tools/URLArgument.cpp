@@ -4,10 +4,10 @@
 
 #include "ArgumentText.h"
 #include "Errors.h"
+#include "URLHandle.h"
 
 #include <algorithm>
 #include <array>
-#include <memory>
 #include <string_view>
 
 namespace vantra::tool {
@@ -18,15 +18,6 @@ namespace {
 
 constexpr std::array<std::wstring_view, 2> httpSchemes{L"http", L"https"};
 constexpr std::array<std::wstring_view, 2> ftpSchemes{L"ftp", L"ftps"};
-
-struct URLDeleter {
-    void operator()(CURLU* url) const noexcept { curl_url_cleanup(url); }
-};
-using URLHandle = std::unique_ptr<CURLU, URLDeleter>;
-
-struct CURLStringDeleter {
-    void operator()(char* text) const noexcept { curl_free(text); }
-};
 
 template <std::size_t N>
 bool contains(const std::array<std::wstring_view, N>& schemes, const String& scheme) {
@@ -90,7 +81,7 @@ std::optional<std::string> getPart(const String& name, const URLHandle& url, CUR
                                    unsigned int flags) {
     char* value = nullptr;
     const CURLUcode result = curl_url_get(url.get(), part, &value, flags);
-    const std::unique_ptr<char, CURLStringDeleter> owner(value);
+    const CURLString owner(value);
     if (result == CURLUE_NO_USER || result == CURLUE_NO_PASSWORD) return std::nullopt;
     if (result != CURLUE_OK) throw CUsageError(name + ": is malformed: " + curl_url_strerror(result));
     return std::string(value);

@@ -4,8 +4,8 @@
 
 #include "ArgumentText.h"
 #include "Errors.h"
+#include "URLHandle.h"
 
-#include <memory>
 #include <optional>
 
 namespace vantra::tool {
@@ -13,15 +13,6 @@ namespace vantra::tool {
 using kel::String;
 
 namespace {
-
-struct URLDeleter {
-    void operator()(CURLU* url) const noexcept { curl_url_cleanup(url); }
-};
-using URLHandle = std::unique_ptr<CURLU, URLDeleter>;
-
-struct CURLStringDeleter {
-    void operator()(char* text) const noexcept { curl_free(text); }
-};
 
 [[noreturn]] void refuse(const std::string& name, const char* reason) {
     throw CUsageError(String(name) + ": " + reason);
@@ -32,7 +23,7 @@ std::optional<std::string> getPart(const std::string& name, const URLHandle& url
                                    unsigned int flags) {
     char* text = nullptr;
     const CURLUcode code = curl_url_get(url.get(), part, &text, flags);
-    const std::unique_ptr<char, CURLStringDeleter> owner(text);
+    const CURLString owner(text);
     if (code == CURLUE_URLDECODE) refuse(name, "the path stands for control characters");
     if (code != CURLUE_OK) return std::nullopt;
     return std::string(text);
