@@ -3,8 +3,10 @@
 
     scripts/check-tidy.py [--jobs N] [BUILD] [FILE...]
 
-BUILD (default build/debug) is a configured build folder; FILE limits the run to some sources. A source that was clean
-is not looked at again until it, one of the tree's headers that it includes, its compiler options, the configuration or
+BUILD (default build/debug) is a configured build folder; FILE limits the run to some sources. Sources of one folder are
+checked several at a time, as parts of one translation unit: most of clang-tidy's time goes into the headers, which are
+then read once. Sources that cannot stand in one unit are checked alone. A unit that was clean is not looked at again
+until one of its sources, a header of the tree's that they include, the compiler options, the configuration or
 clang-tidy itself changes: build/tidy holds one empty file for each clean state, named by its hash.
 """
 
@@ -14,6 +16,7 @@ import hashlib
 import json
 import os
 import pathlib
+import re
 import shlex
 import subprocess
 import sys
@@ -21,6 +24,11 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 ROOMS = ("kel/src", "sigil/src", "foundation", "http", "request", "proxy", "async", "ftp", "s3", "mail", "tools")
 STAMPS = ROOT / "build" / "tidy"
+
+
+# In a unit the sources are included, so what is said of them passes the filter for headers only.
+HEADER_FILTER = "/(" + "|".join(ROOMS + ("include/(vantra|kel|sigil)", "include-posix/kel")) + r")/.*\.(h|cpp)$"
+SOURCES_IN_A_UNIT = 8
 
 
 def read_sources(build, only):
@@ -34,51 +42,84 @@ def read_sources(build, only):
         if not path.is_relative_to(ROOT) or not any(path.is_relative_to(ROOT / room) for room in ROOMS):
             continue
         if not wanted or path in wanted:
-            sources[path] = shlex.split(entry["command"])
+            sources[path] = options(shlex.split(entry["command"]), entry["file"])
     missing = wanted - sources.keys()
     if missing:
         sys.exit("not among the product's sources: " + ", ".join(map(str, sorted(missing))))
     return sorted(sources.items())
 
 
-def own_includes(command):
-    """The tree's files that a compilation reads. System headers change with their packages only."""
-    arguments = [argument for argument in command if not os.path.basename(argument).startswith("ccache")]
-    # Without the options that name outputs: the dependencies are to be written to standard output.
+def options(command, source):
+    """A compilation's options alone: no launcher, compiler, source, output or dependency file."""
+    compiler = next(i for i, word in enumerate(command) if re.fullmatch(r"(clang|g|c)\+\+.*", os.path.basename(word)))
     kept, skip = [], False
-    for argument in arguments:
+    for word in command[compiler + 1:]:
         if skip:
             skip = False
-        elif argument in ("-o", "-MF", "-MT", "-MQ"):
+        elif word in ("-o", "-MF", "-MT", "-MQ"):
             skip = True
-        elif argument not in ("-c", "-MD", "-MMD"):
-            kept.append(argument)
-    rule = subprocess.run(kept + ["-MM"], cwd=ROOT, check=True, capture_output=True, text=True).stdout
-    return sorted(set(shlex.split(rule.replace("\\\n", " "))[1:]))
+        elif word not in ("-c", "-MD", "-MMD", source):
+            kept.append(word)
+    return kept
 
 
-def state_hash(command, version):
-    """A hash over all that decides what clang-tidy says about a source."""
+def units(sources):
+    """The sources in groups of one folder and one set of options each, as pairs of paths and options."""
+    folders = {}
+    for path, words in sources:
+        folders.setdefault((path.parent, tuple(words)), []).append(path)
+    for (_, words), paths in folders.items():
+        count = -(-len(paths) // SOURCES_IN_A_UNIT)
+        for first in range(count):
+            yield paths[first::count], list(words)
+
+
+def own_includes(paths, words):
+    """The tree's files that some sources read. System headers change with their packages only."""
+    command = ["clang++", *words, "-MM", *map(str, paths)]
+    rules = subprocess.run(command, cwd=ROOT, check=True, capture_output=True, text=True).stdout
+    names = shlex.split(rules.replace("\\\n", " "))
+    return sorted({name for name in names if not name.endswith(":")})
+
+
+def state_hash(paths, words, version):
+    """A hash over all that decides what clang-tidy says about some sources."""
     digest = hashlib.sha256()
-    texts = [version, shlex.join(command), (ROOT / ".clang-tidy").read_text(encoding="utf-8")]
-    texts += [pathlib.Path(ROOT, name).read_text(encoding="utf-8") for name in own_includes(command)]
+    texts = [version, HEADER_FILTER, shlex.join(words), (ROOT / ".clang-tidy").read_text(encoding="utf-8")]
+    texts += [pathlib.Path(ROOT, name).read_text(encoding="utf-8") for name in own_includes(paths, words)]
     for text in texts:
         digest.update(text.encode() + b"\0")
     return digest.hexdigest()
 
 
-def check(source, build, version):
-    """What clang-tidy says about one source, empty if it is clean."""
-    path, command = source
-    stamp = STAMPS / state_hash(command, version)
+def run_tidy(path, words):
+    """clang-tidy's exit status and what it says."""
+    result = subprocess.run(["clang-tidy", "--quiet", f"--header-filter={HEADER_FILTER}", str(path), "--", *words],
+                            cwd=ROOT, capture_output=True, text=True, check=False)
+    return result.returncode, result.stdout + result.stderr
+
+
+def check(paths, words, version):
+    """What clang-tidy says about some sources, empty if they are clean."""
+    state = state_hash(paths, words, version)
+    stamp = STAMPS / state
     if stamp.exists():
         return ""
-    result = subprocess.run(["clang-tidy", "--quiet", "-p", str(build), str(path)],
-                            cwd=ROOT, capture_output=True, text=True, check=False)
-    if result.returncode == 0:
+    if len(paths) == 1:
+        status, report = run_tidy(paths[0], words)
+    else:
+        unit = STAMPS / f"{state}.cpp"
+        unit.write_text("".join(f'#include "{path}" // NOLINT(bugprone-suspicious-include)\n' for path in paths))
+        status, report = run_tidy(unit, words)
+        unit.unlink()
+        if "[clang-diagnostic-" in report:
+            # Names of one source may be in another's way.
+            reports = [check([path], words, version) for path in paths]
+            status, report = int(any(reports)), "".join(reports)
+    if status == 0:
         stamp.touch()
         return ""
-    return result.stdout + result.stderr
+    return report
 
 
 def main():
@@ -98,11 +139,12 @@ def main():
     version = subprocess.run(["clang-tidy", "--version"], capture_output=True, text=True, check=True).stdout
 
     failed = []
+    groups = sorted(units(sources), key=lambda unit: -len(unit[0]))
     with concurrent.futures.ThreadPoolExecutor(arguments.jobs) as pool:
-        reports = pool.map(lambda source: check(source, build, version), sources)
-        for (path, _), report in zip(sources, reports):
+        reports = pool.map(lambda unit: check(*unit, version), groups)
+        for (paths, _), report in zip(groups, reports):
             if report:
-                failed.append(path)
+                failed += [path for path in paths if str(path) in report] or paths
                 print(report, flush=True)
     if failed:
         names = ", ".join(str(path.relative_to(ROOT)) for path in failed)
