@@ -2,13 +2,14 @@
 # Installs the Debian 12 packages that building and testing need. Does nothing, quickly, when they are all there.
 # Services of the new packages are not started.
 #
-#     scripts/install-deps.sh [build|demo|test|bench|check|all]...      (default: all)
+#     scripts/install-deps.sh [build|demo|test|bench|check|coverage|all]...      (default: all)
 #
-#     build   compiler, build tools and the libraries that vantra stands on
-#     demo    what scripts/demo.sh needs beside that
-#     test    GoogleTest and the servers that the tests start
-#     bench   Google Benchmark and the server that the benchmarks start
-#     check   clang and its tools, for the static checks
+#     build     compiler, build tools and the libraries that vantra stands on
+#     demo      what scripts/demo.sh needs beside that
+#     test      GoogleTest and the servers that the tests start
+#     bench     Google Benchmark and the server that the benchmarks start
+#     check     clang and its tools, for the static checks
+#     coverage  what scripts/coverage.sh needs beside build and test; not part of all
 # shellcheck source=scripts/lib.sh
 . "$(dirname "$0")/lib.sh"
 
@@ -19,6 +20,7 @@ test=(libgtest-dev libgmock-dev openssl nginx-light libnginx-mod-http-echo tinyp
     swift-account swift-container swift-object libglib2.0-bin)
 bench=(libbenchmark-dev nginx-light openssl proftpd-core proftpd-mod-crypto)
 check=(git python3 clang clang-tidy clang-format libclang-rt-14-dev shellcheck util-linux)
+coverage=(gcovr)
 
 packages=()
 for group in "${@:-all}"; do
@@ -28,8 +30,9 @@ for group in "${@:-all}"; do
     test) packages+=("${test[@]}") ;;
     bench) packages+=("${bench[@]}") ;;
     check) packages+=("${check[@]}") ;;
+    coverage) packages+=("${coverage[@]}") ;;
     all) packages+=("${build[@]}" "${demo[@]}" "${test[@]}" "${bench[@]}" "${check[@]}") ;;
-    *) die "unknown group '$group'; the groups are build, demo, test, bench, check and all" ;;
+    *) die "unknown group '$group'; the groups are build, demo, test, bench, check, coverage and all" ;;
     esac
 done
 mapfile -t packages < <(printf '%s\n' "${packages[@]}" | sort -u)
