@@ -37,6 +37,7 @@ SmtpMail makeMail(std::string bytes, const std::map<std::string, std::string>& e
 SmtpServer::SmtpServer(const std::vector<std::string>& certificateNames) {
     CertificateAuthority authority;
     const Certificate certificate = authority.selfSigned("mail.test", certificateNames);
+    folder_.writeFile("certificate.pem", readWholeFile(certificate.certFile));
     StartedServer started = startServer(3, [&](const auto& ports) { return launch(ports, certificate); });
     ports_ = {started.ports.at(0), started.ports.at(1), started.ports.at(2)};
     process_ = std::move(started.process);

@@ -52,6 +52,9 @@ public:
 
     const SmtpPorts& ports() const { return ports_; }
 
+    /// Its certificate, for a client that trusts nothing else.
+    std::string caFile() const { return folder_.file("certificate.pem"); }
+
     /// The mails accepted since the last call, in the order of their acceptance. A mail is there when its
     /// client has got the answer.
     std::vector<SmtpMail> takeMails();

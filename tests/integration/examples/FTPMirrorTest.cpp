@@ -1,0 +1,105 @@
+#include "Example.h"
+
+#include "support/ProftpdServer.h"
+#include "support/PyftpdlibServer.h"
+#include "support/TempDir.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <fstream>
+
+using namespace testsupport;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+/// Tests with two makes of servers.
+template <class Server>
+class FTPMirror : public testing::Test {
+protected:
+    static FtpServer& server() {
+        static Server server;
+        return server;
+    }
+
+    static Environment environment() {
+        return {{"FTP_USER", FtpServer::userName()},
+                {"FTP_PASSWORD", FtpServer::password()},
+                {"SSL_CERT_FILE", server().caFile()}};
+    }
+
+    static void writeFile(const std::string& path, const std::string& content) {
+        std::filesystem::create_directories(std::filesystem::path(server().file(path)).parent_path());
+        std::ofstream(server().file(path), std::ios::binary) << content;
+    }
+
+    Outcome mirror(const std::string& directory) const {
+        return runExample("ftp_mirror",
+                          {server().host(FtpSecurity::explicitTls), server().path(directory), folder_.path()},
+                          environment());
+    }
+
+    const TempDir folder_;
+};
+
+struct ServerNames {
+    template <class Server>
+    static std::string GetName(int /*index*/) {
+        return std::is_same_v<Server, ProftpdServer> ? "Proftpd" : "Pyftpdlib";
+    }
+};
+
+using Servers = testing::Types<ProftpdServer, PyftpdlibServer>;
+
+} // namespace
+
+TYPED_TEST_SUITE(FTPMirror, Servers, ServerNames);
+
+TYPED_TEST(FTPMirror, FetchesATreeAndThenOnlyWhatHasChanged) {
+    const std::string odd = "50% #1?;type=a.txt";
+    const std::string unicode = "\u00dcbersicht \u65e5\u672c \U0001F680.txt";
+    this->writeFile("/tree/" + odd, "odd\n");
+    this->writeFile("/tree/" + unicode, "Unicode\n");
+    this->writeFile("/tree/empty", "");
+    this->writeFile("/tree/sub/" + unicode + "/big.bin", NginxServer::bigContent());
+
+    const Outcome first = this->mirror("/tree");
+    EXPECT_EQ(first.exitStatus, 0) << first.error;
+    EXPECT_THAT(first.output, testing::EndsWith("\n4 files fetched\n"));
+    EXPECT_THAT(filesIn(this->folder_.path()),
+                ElementsAre(odd, "empty", "sub/" + unicode + "/big.bin", unicode));
+    EXPECT_EQ(this->folder_.readFile(odd), "odd\n");
+    EXPECT_EQ(this->folder_.readFile(unicode), "Unicode\n");
+    EXPECT_TRUE(this->folder_.readFile("sub/" + unicode + "/big.bin") == NginxServer::bigContent());
+
+    EXPECT_EQ(this->mirror("/tree"), (Outcome{0, "0 files fetched\n", ""}));
+
+    this->writeFile("/tree/" + unicode, "changed since\n");
+    EXPECT_EQ(this->mirror("/tree"),
+              (Outcome{0, this->server().path("/tree/") + unicode + "\n1 files fetched\n", ""}));
+    EXPECT_EQ(this->folder_.readFile(unicode), "changed since\n");
+}
+
+TYPED_TEST(FTPMirror, SaysWhatFailed) {
+    const Outcome noDirectory = this->mirror("/none");
+    EXPECT_EQ(noDirectory.exitStatus, 1);
+    EXPECT_THAT(noDirectory.error, HasSubstr("response code: ftp"));
+
+    Environment wrongPassword = this->environment();
+    wrongPassword["FTP_PASSWORD"] = "wrong";
+    const std::vector<std::string> arguments{this->server().host(FtpSecurity::explicitTls),
+                                             this->server().path("/"), this->folder_.path()};
+    const Outcome noLogin = runExample("ftp_mirror", arguments, wrongPassword);
+    EXPECT_EQ(noLogin.exitStatus, 1);
+    EXPECT_THAT(noLogin.error, HasSubstr("ftp 530"));
+
+    Environment noTrust = this->environment();
+    noTrust["SSL_CERT_FILE"] = std::nullopt;
+    const Outcome notTrusted = runExample("ftp_mirror", arguments, noTrust);
+    EXPECT_EQ(notTrusted.exitStatus, 1);
+    EXPECT_THAT(notTrusted.error, HasSubstr("SSL peer certificate or SSH remote key was not OK"));
+    EXPECT_THAT(filesIn(this->folder_.path()), IsEmpty());
+}
