@@ -33,6 +33,7 @@ public:
     /// not while a callback or listener blocks it.
     class VANTRA_API IProgressHandler : public virtual kel::IBase {
     public:
+        /// What it throws ends the thread.
         virtual void handleProgress() = 0;
     };
 

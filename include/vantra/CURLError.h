@@ -35,6 +35,7 @@ namespace vantra {
 /// Thread safety: not changed after it was made; any thread may read it.
 class VANTRA_API CCURLError : public kel::CError {
 public:
+    /// @{
     /// @param responseCode 0 or less when there was no response.
     CCURLError(CURLcode code, const kel::String& message, const kel::String& responseCodeDomain,
                int responseCode, const kel::String& serverMessage, const kel::String& httpStatusLine,
@@ -42,6 +43,7 @@ public:
     CCURLError(CURLMcode code, const kel::String& message, const kel::String& responseCodeDomain,
                int responseCode, const kel::String& serverMessage, const kel::String& httpStatusLine,
                const kel::String& url, const kel::String& httpMethod);
+    /// @}
 
     /// libcurl's text for the code, ": " and `message` unless that is empty, and for a positive response code
     /// " (response code: DOMAIN CODE)".
@@ -54,9 +56,13 @@ public:
     [[nodiscard]] int getResponseCode() const noexcept { return responseCode_; }
     /// "http", "ftp", "smtp", or empty when there was no response.
     [[nodiscard]] kel::String getResponseCodeDomain() const { return responseCodeDomain_; }
+    /// What the server said about the failure; empty when it said nothing.
     [[nodiscard]] const kel::String& getServerMessage() const noexcept { return serverMessage_; }
+    /// The last HTTP status line received; empty when there was none.
     [[nodiscard]] const kel::String& getHTTPStatusLine() const noexcept { return httpStatusLine_; }
+    /// The URL as the request was given it; empty for errors of no request.
     [[nodiscard]] const kel::String& getURL() const noexcept { return url_; }
+    /// The method as the request was given it; empty when none was set, and for protocols other than HTTP.
     [[nodiscard]] const kel::String& getHTTPMethod() const noexcept { return httpMethod_; }
 
     /// The parameter "responseCode" as a number cut to 32 bits; -1 when it is absent or empty.

@@ -61,6 +61,7 @@ namespace vantra {
 /// paths with two slashes in front ("//srv/data"), which both ways read alike.
 class VANTRA_API CFTPClient : public kel::CBase {
 public:
+    /// How the connection is protected.
     enum ConnectType : int {
         ConnectUnencrypted = 0, ///< "ftp://" without TLS
         ConnectExplicitTLS = 1, ///< "ftp://", TLS required on control and data connections (CURLUSESSL_ALL)
@@ -127,6 +128,7 @@ public:
     void prepareCreateDirRequest(CNetRequest& request, const kel::String& dirPath, bool createParents) const;
     /// Removes an empty directory.
     void prepareRemoveDirRequest(CNetRequest& request, const kel::String& dirPath) const;
+    /// Deletes a file (DELE).
     void prepareDeleteFileRequest(CNetRequest& request, const kel::String& path) const;
     /// Gives a file another name, in the same or another directory (RNFR, RNTO). Whether a file of that name
     /// is replaced is up to the server.
@@ -149,9 +151,13 @@ public:
 
     // Performing on the calling thread.
 
+    /// @{
+    /// Prepares the request of that name and performs it.
     void createDir(CNetRequest& request, const kel::String& dirPath, bool createParents) const;
     void removeDir(CNetRequest& request, const kel::String& dirPath) const;
     void deleteFile(CNetRequest& request, const kel::String& path) const;
+    /// @}
+
     /// @throws also what CFTPListDirResult's constructor throws.
     [[nodiscard]] kel::P<CFTPListDirResult> listDir(CNetRequest& request, const kel::String& dirPath) const;
     /// Deletes the files of a directory and, depth first, its directories, then the directory itself. Entries

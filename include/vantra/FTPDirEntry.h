@@ -41,22 +41,31 @@ public:
     CFTPDirEntry& operator=(CFTPDirEntry&&) noexcept;
     ~CFTPDirEntry() override;
 
+    /// @{
     /// Unknown also stands for what is neither a file nor a directory to go into: links, devices, and the
     /// directory itself ("cdir") and the one above ("pdir"), which some servers list.
     [[nodiscard]] kel::IFileInfoBase::Type getType() const noexcept { return type_; }
     void setType(kel::IFileInfoBase::Type type) noexcept { type_ = type; }
+    /// @}
 
+    /// @{
     /// In a listing the name within the directory; in the answer to MLST what the server likes, which for
     /// many is the whole path.
     [[nodiscard]] kel::String getName() const { return name_; }
     void setName(kel::String name) { name_ = std::move(name); }
+    /// @}
 
+    /// @{
     /// In bytes.
     [[nodiscard]] kel::int64 getSize() const noexcept { return size_; }
     void setSize(kel::int64 size) noexcept { size_ = size; }
+    /// @}
 
+    /// @{
+    /// When the content changed last, as the server tells it; CTime's default (1970) when it does not.
     [[nodiscard]] kel::CTime getModifiedTime() const noexcept { return modifiedTime_; }
     void setModifiedTime(const kel::CTime& time) noexcept { modifiedTime_ = time; }
+    /// @}
 
     /// Reads a time value of RFC 3659 §2.3, `YYYYMMDDHHMMSS[.fraction]`, which is UTC. A field that is out of
     /// range carries over into the next one (the 32nd of January is the 1st of February); a fraction is

@@ -40,10 +40,12 @@ public:
     /// Forgets the headers, not the server record.
     void reset();
 
+    /// @{
     /// The headers so far. Most responses are never asked: the map is made at the first call, and from then
     /// on follows each line.
     [[nodiscard]] kel::TMap<kel::String, kel::String>& getHeaderMap();
     [[nodiscard]] const kel::TMap<kel::String, kel::String>& getHeaderMap() const;
+    /// @}
 
     /// The record to update whenever a block is complete, or null; a reference is kept.
     void setServerInfoToUpdate(CServerInfo* info);

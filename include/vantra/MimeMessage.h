@@ -36,11 +36,13 @@ public:
     CMimeMessage& operator=(const CMimeMessage&) = delete;
     ~CMimeMessage() override;
 
+    /// @{
     /// The fields themselves, to add to, change and remove from: values by name, in their raw form, that is
     /// neither encoded nor folded. Names differ by case; fields are written in the order of their names'
     /// character codes.
     [[nodiscard]] kel::TMap<kel::String, kel::String>& getHeaders() noexcept { return headers_; }
     [[nodiscard]] const kel::TMap<kel::String, kel::String>& getHeaders() const noexcept { return headers_; }
+    /// @}
 
     /// Sets the body and says how it is encoded.
     /// @param body shared with the caller, not copied; its bytes are written as they are then, so they must

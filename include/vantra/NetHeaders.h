@@ -71,8 +71,11 @@ public:
     bool next();
     /// Lets the following next() visit the first field again; name and value stay until then.
     void reset() { lines_.reset(); }
+    /// @{
+    /// Of the field visited last; empty before the first next().
     [[nodiscard]] const kel::String& getName() const noexcept { return name_; }
     [[nodiscard]] const kel::String& getValue() const noexcept { return value_; }
+    /// @}
 
 private:
     CNetStringList::CIterator lines_;

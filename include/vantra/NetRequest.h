@@ -85,12 +85,14 @@ public:
 
     /// The address (CURLOPT_URL), taken as it is: nothing is escaped. Default: none.
     void setURL(const kel::String& url);
+    /// As it was set; redirects do not change it.
     [[nodiscard]] const kel::String& getURL() const noexcept { return url_; }
 
     /// "GET", "PUT", "POST" and "HEAD", exactly in this spelling, choose libcurl's own handling of the
     /// method; any other text is sent as it is (CURLOPT_CUSTOMREQUEST) with the semantics of a GET. The empty
     /// text takes back every method set before. Default: empty, which libcurl performs as GET.
     void setHTTPMethod(const kel::String& method);
+    /// As it was set; empty when it was not.
     [[nodiscard]] const kel::String& getHTTPMethod() const noexcept { return method_; }
 
     /// Longest time to establish a connection (CURLOPT_CONNECTTIMEOUT_MS), cut to whole milliseconds;
@@ -146,10 +148,13 @@ public:
     /// Commands to send after the transfer (CURLOPT_POSTQUOTE); null for none.
     void setFTPCustomPostCommands(CNetStringList* commands);
 
+    /// @{
     /// Any option of libcurl by its number. The value is passed in the type that the option takes.
     /// @throws CCURLError with CURLE_BAD_FUNCTION_ARGUMENT for an option that takes no number.
     void setOptionInt(CURLoption option, int value);
     void setOptionInt64(CURLoption option, kel::int64 value);
+    /// @}
+
     /// The pointer is not looked at here; it must stay valid as long as libcurl's documentation demands.
     /// @throws CCURLError with CURLE_BAD_FUNCTION_ARGUMENT for an option that takes no pointer.
     void setOptionPtr(CURLoption option, void* value);
@@ -183,6 +188,7 @@ public:
     void setReceiveDataStream(kel::IOutStream* stream);
     /// Makes the default receive buffer the place where the body goes, as it is at the start.
     void setDefaultReceiveDataStream();
+    /// Whether the body goes there.
     [[nodiscard]] bool usesDefaultReceiveBuffer() const noexcept;
     /// The body of the latest transfer, unless a sink took it.
     [[nodiscard]] kel::PC<kel::TBuffer<unsigned char>> getDefaultReceiveBuffer() const {
@@ -247,9 +253,12 @@ public:
     /// "http", "ftp" or "smtp" by the scheme of the URL, otherwise empty.
     [[nodiscard]] kel::String getResponseCodeDomain() const;
 
+    /// @{
     /// Any number that libcurl knows about the transfer. @throws CCURLError if libcurl has none of that kind.
     [[nodiscard]] int getInfoLong(CURLINFO info) const;
     [[nodiscard]] double getInfoDouble(CURLINFO info) const;
+    /// @}
+
     /// Bytes announced by the server, -1 when unknown (CURLINFO_CONTENT_LENGTH_DOWNLOAD).
     [[nodiscard]] double getDownloadSize() const;
     /// Bytes received so far (CURLINFO_SIZE_DOWNLOAD).
@@ -267,6 +276,7 @@ public:
 
     /// Whether transfers are recorded (CURLOPT_VERBOSE). Default: false.
     void setVerbose(bool on);
+    /// As setVerbose() set it.
     [[nodiscard]] bool isVerboseEnabled() const noexcept { return verbose_; }
     /// How bodies and TLS records appear in the log. Default: VerboseLogDataByMethod and VerboseLogDataSize.
     void setVerboseSettings(VerboseLogData data, VerboseLogData sslData);
@@ -291,6 +301,7 @@ public:
     [[nodiscard]] CURL* getHandle() const noexcept { return handle_.get(); }
     /// A value for the caller's own use; never looked at. Default: null.
     void setUserData(void* data) noexcept { userData_ = data; }
+    /// The value set last; null when none was.
     [[nodiscard]] void* getUserData() const noexcept { return userData_; }
     /// Keeps an object alive as long as the request.
     void addDependencyObject(const kel::P<kel::IBase>& object);
@@ -316,6 +327,8 @@ protected:
 
     /// Records a message of libcurl if it is this request's and recording is on.
     void onLogDebugMessage(void* handle, curl_infotype type, char* data, std::size_t size);
+    /// The log's element for one message, seen alone: it does not know whether an SMTP login is under way,
+    /// whose answers are no commands, and shows those.
     [[nodiscard]] kel::P<kel::CXMLElement> createVerboseXmlElement(const CVerboseLogMessage& message,
                                                                    unsigned int maxDataLength) const;
 
@@ -413,16 +426,17 @@ private:
 /// One message that libcurl reported about a transfer.
 class VANTRA_API CNetRequest::CVerboseLogMessage {
 public:
+    /// Copies the bytes and takes the present time.
     CVerboseLogMessage(curl_infotype messageType, const char* messageData, std::size_t messageSize)
         : type(messageType),
           data(reinterpret_cast<const unsigned char*>(messageData), messageSize),
           size(messageSize),
           time(kel::CTime::now()) {}
 
-    curl_infotype type;
-    kel::TBuffer<unsigned char> data;
-    kel::uint64 size;
-    kel::CTime time; ///< of its arrival
+    curl_infotype type;               ///< what libcurl calls the kind of message
+    kel::TBuffer<unsigned char> data; ///< the bytes, as libcurl reported them
+    kel::uint64 size;                 ///< how many they are
+    kel::CTime time;                  ///< of its arrival
 };
 
 /// Takes the body of a response, block by block, on the thread that drives the transfer. What it throws
@@ -448,6 +462,7 @@ public:
     virtual kel::int64 getSize() = 0;
     /// Moves to `position` bytes from the start. Called when libcurl has to send the body again.
     virtual void seek(kel::int64 position) = 0;
+    /// Bytes from the start to what read() gives next.
     virtual kel::int64 getPosition() = 0;
 };
 

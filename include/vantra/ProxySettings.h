@@ -51,6 +51,7 @@ public:
 
     /// The host is kept as given, but for its case; nothing in it has a special meaning.
     void addDirectConnectHost(const kel::String& host);
+    /// Takes a host out again; one that is not there does not matter.
     void removeDirectConnectHost(const kel::String& host);
     /// Adds the hosts of a list that is separated as in addProxiesFromString(). There are no wildcards:
     /// "*.lan" and "<local>" name hosts that nobody has.

@@ -63,6 +63,7 @@ public:
     /// @throws kel::CInvalidArgError "invalid endpoint URL: 'URL'" for anything else, such as a URL with a
     /// user name, query or fragment; the endpoint stays as it was then.
     void setEndpoint(const kel::String& baseURL);
+    /// The store in use, in the form in which it is kept.
     [[nodiscard]] const kel::String& getEndpoint() const noexcept { return baseURL_; }
 
     /// How often performRequest() tries again, 0 or less for never. Default: 50.
@@ -128,8 +129,11 @@ public:
     /// @throws kel::CInvalidArgError also "size must not be negative" and "data must not be null".
     void preparePutObjectRequest(CNetRequest& request, const kel::String& bucket, const kel::String& object,
                                  const void* data, int size, const kel::String& contentType);
+    /// @throws kel::CInvalidArgError also "invalid range", as getObject().
     void prepareGetObjectRequest(CNetRequest& request, const kel::String& bucket, const kel::String& object,
                                  kel::int64 start, kel::int64 length);
+    /// @{
+    /// The request that the operation of this name performs.
     void prepareGetObjectHeadersRequest(CNetRequest& request, const kel::String& bucket,
                                         const kel::String& object);
     void prepareCopyObjectRequest(CNetRequest& request, const kel::String& bucket,
@@ -138,6 +142,7 @@ public:
                                     const kel::String& object);
     void prepareListObjectsRequest(CNetRequest& request, const kel::String& bucket, const kel::String& prefix,
                                    const kel::String& delimiter, const kel::String& marker, int maxKeys);
+    /// @}
 
     /// The endpoint, the bucket, "/" and the object's name, both escaped ("/" as "%2F").
     [[nodiscard]] kel::String getObjectURL(CNetRequest& request, const kel::String& bucket,

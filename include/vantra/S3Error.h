@@ -24,6 +24,7 @@ namespace vantra {
 /// Thread safety: not changed after it was made; any thread may read it.
 class VANTRA_API CS3ErrorResponse : public kel::CBase {
 public:
+    /// Stores the texts as they are.
     CS3ErrorResponse(const kel::String& code, const kel::String& message, const kel::String& resource,
                      const kel::String& requestID);
     /// Reads the XML document in `size` bytes at `data`. A document type declaration, elements nested more
@@ -47,6 +48,7 @@ public:
 
     /// Such as "NoSuchKey".
     [[nodiscard]] kel::String getCode() const { return code_; }
+    /// The service's explanation for people.
     [[nodiscard]] kel::String getMessage() const { return message_; }
     /// The bucket or object that the error is about.
     [[nodiscard]] kel::String getResource() const { return resource_; }

@@ -43,6 +43,7 @@ public:
     [[nodiscard]] kel::P<CS3ListObjectsElement> getCurrObject() const;
 
 protected:
+    /// Fetches the page behind the present one and goes to its start; false when there is none.
     bool nextPage();
 
 private:

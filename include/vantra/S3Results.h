@@ -90,7 +90,9 @@ public:
     }
 
 protected:
+    /// Reads the element, for all constructors.
     void construct(wxXmlNode* root);
+    /// Appends the prefixes of a "CommonPrefixes" element.
     void parseCommonPrefixes(wxXmlNode* node);
 
 private:
@@ -130,6 +132,7 @@ public:
     [[nodiscard]] kel::String getETag() const { return eTag_; }
 
 protected:
+    /// Reads the element, for all constructors.
     void construct(wxXmlNode* root);
 
 private:

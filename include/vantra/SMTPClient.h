@@ -43,11 +43,14 @@ public:
     CSMTPParams& operator=(CSMTPParams&&) = default;
     ~CSMTPParams() override;
 
+    /// @{
+    /// What the constructor was given.
     [[nodiscard]] kel::String getHost() const { return host_; }
     [[nodiscard]] int getPort() const noexcept { return port_; }
     [[nodiscard]] ConnectType getConnectType() const noexcept { return connectType_; }
     [[nodiscard]] kel::String getLoginName() const { return loginName_; }
     [[nodiscard]] kel::String getLoginPassword() const { return loginPassword_; }
+    /// @}
 
     /// "unencrypted", "ssl" or "starttls". @throws kel::CInvalidArgError "invalid connect type: 3" for any
     /// other value.

@@ -54,6 +54,7 @@ private:
 /// Thread safety: one thread at a time, or any number of readers.
 class VANTRA_API CHTTPServerHeader : public kel::CBase {
 public:
+    /// Takes the value apart; any text will do.
     explicit CHTTPServerHeader(const kel::String& header);
     CHTTPServerHeader(const CHTTPServerHeader&);
     CHTTPServerHeader(CHTTPServerHeader&&) noexcept;

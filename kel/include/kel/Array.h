@@ -18,19 +18,29 @@ namespace kel {
 template <class T>
 class TArray : public CBase {
 public:
+    /// @{
+    /// As in the standard container.
     using value_type = T;
     using iterator = typename std::vector<T>::iterator;
     using const_iterator = typename std::vector<T>::const_iterator;
+    /// @}
 
     TArray() = default;
+    /// Holds the given items, in this order.
     TArray(std::initializer_list<T> items) : items_(items) {}
 
+    /// @{
+    /// As in the standard container.
     [[nodiscard]] std::size_t size() const noexcept { return items_.size(); }
     [[nodiscard]] bool empty() const noexcept { return items_.empty(); }
     [[nodiscard]] T& operator[](std::size_t index) { return items_[index]; }
     [[nodiscard]] const T& operator[](std::size_t index) const { return items_[index]; }
+    /// @}
+
     /// @throws std::out_of_range
     [[nodiscard]] const T& at(std::size_t index) const { return items_.at(index); }
+    /// @{
+    /// As in the standard container.
     [[nodiscard]] T& front() { return items_.front(); }
     [[nodiscard]] const T& front() const { return items_.front(); }
     [[nodiscard]] T& back() { return items_.back(); }
@@ -39,13 +49,17 @@ public:
     iterator end() noexcept { return items_.end(); }
     const_iterator begin() const noexcept { return items_.begin(); }
     const_iterator end() const noexcept { return items_.end(); }
+    /// @}
 
+    /// @{
+    /// As in the standard container.
     void push_back(T item) { items_.push_back(std::move(item)); }
     void pop_back() { items_.pop_back(); }
     iterator erase(const_iterator position) { return items_.erase(position); }
     void clear() noexcept { items_.clear(); }
     void reserve(std::size_t count) { items_.reserve(count); }
     void swap(TArray& other) noexcept { items_.swap(other.items_); }
+    /// @}
 
     friend bool operator==(const TArray& left, const TArray& right) { return left.items_ == right.items_; }
 

@@ -17,6 +17,7 @@ namespace kel {
 /// Thread safety: addRef and release may be called from any thread.
 class KEL_API IBase {
 public:
+    /// Takes a reference, which release() gives back.
     virtual void addRef() const noexcept = 0;
 
     /// Gives a reference back; the object destroys itself with the last one.

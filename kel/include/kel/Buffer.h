@@ -24,12 +24,15 @@ class TBuffer : public CBase {
 
 public:
     TBuffer() = default;
+    /// Holds a copy of `count` values. @throws std::bad_alloc, as the copy constructor does
     TBuffer(const T* data, std::size_t count) { append(data, count); }
     TBuffer(const TBuffer& other) : CBase(other) { append(other.data_, other.used_); }
+    /// The source is empty afterwards, without memory.
     TBuffer(TBuffer&& other) noexcept
         : data_(std::exchange(other.data_, nullptr)),
           used_(std::exchange(other.used_, 0)),
           capacity_(std::exchange(other.capacity_, 0)) {}
+    /// Takes the memory of `other` over, which is a copy of what is assigned or what it was moved to.
     TBuffer& operator=(TBuffer other) noexcept {
         std::swap(data_, other.data_);
         std::swap(used_, other.used_);
@@ -38,12 +41,17 @@ public:
     }
     ~TBuffer() override { std::free(data_); }
 
+    /// @{
     /// Null as long as nothing was ever reserved. Valid until the buffer grows.
     [[nodiscard]] T* getData() noexcept { return data_; }
     [[nodiscard]] const T* getData() const noexcept { return data_; }
+    /// @}
+
     /// Number of values in use.
     [[nodiscard]] std::size_t getUsed() const noexcept { return used_; }
+    /// How many values fit in before the buffer grows.
     [[nodiscard]] std::size_t getCapacity() const noexcept { return capacity_; }
+    /// Whether no value is in use.
     [[nodiscard]] bool isEmpty() const noexcept { return used_ == 0; }
 
     /// Sets the used length; values that come into use this way are zero. @throws std::bad_alloc
@@ -76,14 +84,21 @@ public:
         used_ += count;
     }
 
+    /// Sets the used length to 0.
     void clear() noexcept { used_ = 0; }
 
+    /// @{
+    /// The value at `index`, which must be less than the used length.
     [[nodiscard]] T& operator[](std::size_t index) noexcept { return data_[index]; }
     [[nodiscard]] const T& operator[](std::size_t index) const noexcept { return data_[index]; }
+    /// @}
+    /// @{
+    /// The values in use.
     [[nodiscard]] T* begin() noexcept { return data_; }
     [[nodiscard]] T* end() noexcept { return data_ + used_; }
     [[nodiscard]] const T* begin() const noexcept { return data_; }
     [[nodiscard]] const T* end() const noexcept { return data_ + used_; }
+    /// @}
 
 private:
     // No object can be larger than the half of the address space.

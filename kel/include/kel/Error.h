@@ -31,9 +31,13 @@ public:
 
     /// The message in UTF-8.
     [[nodiscard]] const char* what() const noexcept override { return what_.c_str(); }
+    /// The message for people.
     [[nodiscard]] const String& getMessage() const noexcept { return message_; }
+    /// What getCode() is counted in, such as "curl"; empty when the code means nothing.
     [[nodiscard]] const String& getCodeDomain() const noexcept { return codeDomain_; }
+    /// A code of the domain; -1 when there is none.
     [[nodiscard]] int64 getCode() const noexcept { return code_; }
+    /// Texts that belong to the error, by name.
     [[nodiscard]] const CProps& getParams() const noexcept { return params_; }
     /// Null when there is none.
     [[nodiscard]] const PC<CError>& getCause() const noexcept { return cause_; }
@@ -59,6 +63,7 @@ public:
     /// and not part of its message.
     CInvalidArgError(const String& function, const String& message, const CProps& params = CProps());
 
+    /// The name of the function that was called.
     [[nodiscard]] const String& getFunction() const noexcept { return function_; }
     [[nodiscard]] P<CError> clone() const override;
     [[noreturn]] void throwClone() const override;

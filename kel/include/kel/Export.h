@@ -9,5 +9,6 @@
 #define KEL_API __declspec(dllimport)
 #endif
 #else
+/// Before the name of a class or function: it is part of the library's interface.
 #define KEL_API __attribute__((visibility("default")))
 #endif

@@ -40,6 +40,7 @@ private:
 /// close() reports the first failure again.
 class KEL_API CFileOutStream : public CBase, public IOutStream {
 public:
+    /// What becomes of an existing file.
     enum class Mode {
         Replace,  ///< an existing file is emptied first
         CreateNew ///< an existing file is an error

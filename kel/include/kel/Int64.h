@@ -6,7 +6,10 @@
 
 namespace kel {
 
+/// @{
+/// 64 bits on every platform.
 using int64 = std::int64_t;
 using uint64 = std::uint64_t;
+/// @}
 
 } // namespace kel

@@ -18,13 +18,19 @@ namespace kel {
 template <class T>
 class TList : public CBase {
 public:
+    /// @{
+    /// As in the standard container.
     using value_type = T;
     using iterator = typename std::list<T>::iterator;
     using const_iterator = typename std::list<T>::const_iterator;
+    /// @}
 
     TList() = default;
+    /// Holds the given items, in this order.
     TList(std::initializer_list<T> items) : items_(items) {}
 
+    /// @{
+    /// As in the standard container.
     [[nodiscard]] std::size_t size() const noexcept { return items_.size(); }
     [[nodiscard]] bool empty() const noexcept { return items_.empty(); }
     [[nodiscard]] T& front() { return items_.front(); }
@@ -43,6 +49,7 @@ public:
     iterator erase(const_iterator position) { return items_.erase(position); }
     void clear() noexcept { items_.clear(); }
     void swap(TList& other) noexcept { items_.swap(other.items_); }
+    /// @}
 
 private:
     std::list<T> items_;

@@ -13,6 +13,7 @@ namespace kel {
 
 class CXMLElement;
 
+/// How much an entry matters.
 enum class LogLevel { Info, Warning, Error };
 
 /// "info", "warning", "error". @throws CInvalidArgError for a value that is no level.
@@ -20,13 +21,14 @@ enum class LogLevel { Info, Warning, Error };
 
 /// One diagnostic message.
 struct KEL_API CLogEntry {
+    /// Made now, with neither an error nor a detail.
     CLogEntry(LogLevel entryLevel, String entryText);
     CLogEntry(const CLogEntry&);
     CLogEntry& operator=(const CLogEntry&);
     ~CLogEntry();
 
-    LogLevel level;
-    String text;
+    LogLevel level;         ///< how much it matters
+    String text;            ///< for people, without a line end
     CTime time;             ///< when it was made
     PC<CError> error;       ///< the exception it speaks of, or null
     PC<CXMLElement> detail; ///< structured data that belongs to it, or null
@@ -36,6 +38,7 @@ struct KEL_API CLogEntry {
 /// throws is dropped). It may log and replace handlers itself.
 class KEL_API ILogHandler : public virtual IBase {
 public:
+    /// Takes one entry. @param entry is valid during the call only.
     virtual void handleLogEntry(const CLogEntry& entry) = 0;
 };
 
@@ -45,6 +48,7 @@ public:
 /// was installed before, or null. The handler in place at the end of the process is never released.
 KEL_API P<ILogHandler> setLogHandler(ILogHandler* handler);
 
+/// @{
 /// Each hands one entry to the handler. `error` and `detail` may be null. None of them throws.
 KEL_API void logEntry(const CLogEntry& entry) noexcept;
 KEL_API void logInfo(const String& text) noexcept;
@@ -56,5 +60,6 @@ KEL_API void logWarning(const std::exception* error, const String& text,
 KEL_API void logError(const String& text) noexcept;
 KEL_API void logError(const std::exception* error, const String& text,
                       const CXMLElement* detail = nullptr) noexcept;
+/// @}
 
 } // namespace kel

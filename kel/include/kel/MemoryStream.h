@@ -42,6 +42,7 @@ public:
 
     void write(const void* data, std::size_t length) override;
     void flush() override {}
+    /// Where the next write begins.
     [[nodiscard]] int64 getPosition() const noexcept { return static_cast<int64>(position_); }
     /// @throws CError "Invalid stream position: N." outside 0 to the used length.
     void seek(int64 position);
@@ -64,6 +65,7 @@ public:
     int64 getPosition() override { return static_cast<int64>(position_); }
     void write(const void* data, std::size_t length) override;
     void flush() override {}
+    /// The stream's buffer; its used part is all that was written.
     [[nodiscard]] const P<TBuffer<unsigned char>>& getBuffer() const noexcept { return buffer_; }
 
 private:

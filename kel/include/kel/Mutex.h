@@ -15,8 +15,11 @@ public:
     CMutex(const CMutex&) = delete;
     CMutex& operator=(const CMutex&) = delete;
 
+    /// Waits until no other thread holds it. Each lock() needs an unlock().
     void lock() { mutex_.lock(); }
+    /// Takes it only if no other thread holds it; says whether it did.
     [[nodiscard]] bool tryLock() { return mutex_.try_lock(); }
+    /// Gives it back; only on the thread that took it.
     void unlock() { mutex_.unlock(); }
 
 private:
@@ -26,6 +29,7 @@ private:
 /// Holds a mutex from construction to destruction, or to unlock().
 class KEL_API CMutexLock {
 public:
+    /// Waits for the mutex, which must outlive the lock.
     explicit CMutexLock(CMutex& mutex) : mutex_(&mutex) { mutex_->lock(); }
     CMutexLock(const CMutexLock&) = delete;
     CMutexLock& operator=(const CMutexLock&) = delete;

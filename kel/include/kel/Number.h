@@ -10,12 +10,14 @@
 
 namespace kel {
 
+/// @{
 /// Reads a decimal integer: an optional "+" or "-" and at least one digit, nothing else.
 /// @param allowWhiteSpace whether white space may stand around it.
 /// @throws CError "Invalid integer: 'TEXT'." for anything else, the empty text included, and for values
 /// outside the 64-bit range.
 [[nodiscard]] KEL_API int64 parseInt64(const String& text, bool allowWhiteSpace = false);
 [[nodiscard]] KEL_API int64 parseInt64(std::wstring_view text, bool allowWhiteSpace = false);
+/// @}
 
 /// Reads a decimal fraction: an optional sign, digits, and optionally a point and digits ("1", "1.5", ".5",
 /// "1."), at least one digit in all; no exponent, and the point does not depend on the locale. The result is

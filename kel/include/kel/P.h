@@ -19,31 +19,40 @@ template <class T>
 class P {
 public:
     constexpr P() noexcept = default;
+    /// Holds nothing.
     constexpr P(std::nullptr_t) noexcept {}
+    /// Takes a reference to the object, which may be null. The first P to an object made with `new` owns it.
     P(T* object) noexcept : object_(object) {
         if (object_) object_->addRef();
     }
     P(const P& other) noexcept : P(other.object_) {}
     P(P&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
+    /// @{
+    /// From a pointer to a derived class.
     template <class U, class = std::enable_if_t<std::is_convertible_v<U*, T*>>>
     P(const P<U>& other)
     noexcept : P(other.get()) {}
     template <class U, class = std::enable_if_t<std::is_convertible_v<U*, T*>>>
     P(P<U>&& other)
     noexcept : object_(other.detach()) {}
+    /// @}
     ~P() {
         if (object_) object_->release();
     }
 
+    /// Takes over a reference and gives back the one held so far, in this order.
     P& operator=(P other) noexcept {
         std::swap(object_, other.object_);
         return *this;
     }
 
+    /// @{
+    /// The object; null when none is held, and then not to be dereferenced.
     [[nodiscard]] T* get() const noexcept { return object_; }
     operator T*() const noexcept { return object_; }
     T* operator->() const noexcept { return object_; }
     T& operator*() const noexcept { return *object_; }
+    /// @}
 
     /// Hands the reference to the caller, who must release() it; this pointer becomes null.
     [[nodiscard]] T* detach() noexcept { return std::exchange(object_, nullptr); }
@@ -52,6 +61,7 @@ private:
     T* object_ = nullptr;
 };
 
+/// A pointer to an object that is only read.
 template <class T>
 using PC = P<const T>;
 

@@ -14,13 +14,17 @@ namespace kel {
 
 /// Both "/" and "\" separate; a path may begin with a drive or a share.
 struct KEL_API CWindowsPathTraits {
+    /// Whether a character parts the components of a path.
     [[nodiscard]] static constexpr bool isSeparator(wchar_t c) noexcept { return c == L'/' || c == L'\\'; }
+    /// Whether paths may begin with a drive or a server.
     static constexpr bool hasDrives = true;
 };
 
 /// Only "/" separates.
 struct KEL_API CPosixPathTraits {
+    /// Whether a character parts the components of a path.
     [[nodiscard]] static constexpr bool isSeparator(wchar_t c) noexcept { return c == L'/'; }
+    /// Whether paths may begin with a drive or a server.
     static constexpr bool hasDrives = false;
 };
 
@@ -38,11 +42,15 @@ template <class Traits>
 class TPathImpl {
 public:
     TPathImpl() = default;
+    /// @{
+    /// Normalises the text. @throws CError for bytes that are not valid UTF-8
     TPathImpl(const String& text);
     TPathImpl(const char* utf8) : TPathImpl(String(utf8)) {}
+    /// @}
 
     /// In the form that the platform's file system and libcurl understand; empty for the empty path.
     [[nodiscard]] const String& getText() const noexcept { return text_; }
+    /// Whether it is the empty path, which names nothing.
     [[nodiscard]] bool isEmpty() const noexcept { return text_.isEmpty(); }
     /// Whether it starts at a root ("/x", and where drives exist "//server/x" and "C:/x", but not "C:x").
     [[nodiscard]] bool isAbsolute() const noexcept;
@@ -53,6 +61,7 @@ public:
     [[nodiscard]] String getFileName() const;
     /// What stands before it; the root for its direct children, empty for a single name and for a root.
     [[nodiscard]] TPathImpl getParent() const;
+    /// The same path for the standard library.
     [[nodiscard]] std::filesystem::path toStdPath() const;
 
     friend bool operator==(const TPathImpl& left, const TPathImpl& right) {

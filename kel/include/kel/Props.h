@@ -20,8 +20,11 @@ public:
     CProps& addCond(bool condition, const String& key, const String& value);
     /// The value under `key`, or `absent`.
     [[nodiscard]] String lookup(const String& key, const String& absent = String()) const;
+    /// Whether there is a value under `key`, the empty one included.
     [[nodiscard]] bool contains(const String& key) const;
+    /// Whether there is no value at all.
     [[nodiscard]] bool isEmpty() const noexcept { return values_.empty(); }
+    /// All values by their keys.
     [[nodiscard]] const std::map<String, String>& getMap() const noexcept { return values_; }
 
     friend bool operator==(const CProps& left, const CProps& right) { return left.values_ == right.values_; }

@@ -27,7 +27,9 @@ public:
     /// path and one whose ".." lead out of the folder are never found, so that a name from outside cannot
     /// reach other files.
     [[nodiscard]] CPath findResource(const CPath& relativePath) const;
+    /// A copy of the list.
     [[nodiscard]] TArray<CPath> getFolders() const;
+    /// Replaces the list.
     void setFolders(const TArray<CPath>& folders);
     /// Puts a folder at the front of the list.
     void addFolder(const CPath& folder);

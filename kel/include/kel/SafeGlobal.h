@@ -30,8 +30,10 @@ private:
 /// Thread safety: any thread.
 class KEL_API CSafeGlobalDisposer {
 public:
+    /// What addDisposeFunc() takes.
     using DisposeFunc = void (*)();
 
+    /// The one of the process, never destroyed.
     [[nodiscard]] static CSafeGlobalDisposer& get();
 
     /// Has `function` called at the normal end of the process, later additions first. An exception that it

@@ -14,8 +14,11 @@ namespace kel {
 /// Thread safety: any thread may call any member.
 class KEL_API CSignal : public CBase {
 public:
+    /// Sets the flag and lets every waiter go on.
     void set();
+    /// Takes the flag back; who waits from now on waits for the next set().
     void reset();
+    /// Whether the flag is set at this moment.
     [[nodiscard]] bool isSet() const;
     /// Waits until the signal is set, at most `timeoutMs` milliseconds (0: only looks; negative: without
     /// limit). Returns whether it was set.

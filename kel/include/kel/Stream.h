@@ -19,6 +19,7 @@ public:
     virtual int64 getSize() = 0;
     /// Moves to `position` bytes from the start. @throws CError if that is not possible.
     virtual void seek(int64 position) = 0;
+    /// Bytes from the start to what read() gives next.
     virtual int64 getPosition() = 0;
 };
 

@@ -23,6 +23,7 @@ namespace kel {
 /// Something that a CThread can run in place of its own runImpl().
 class KEL_API IRunnable : public virtual IBase {
 public:
+    /// Called once, on the thread. What it throws ends the thread.
     virtual void run() = 0;
 };
 
@@ -39,6 +40,7 @@ public:
 /// Thread safety: any thread may call any public member.
 class KEL_API CThread : public CBase {
 public:
+    /// What tells threads apart; the default value stands for none.
     using ID = std::thread::id;
 
     /// @param runnable what to run, or null for the object's own runImpl(); a reference is kept.
@@ -74,6 +76,7 @@ public:
     /// The name the system shows for the thread, set when it starts, not later (the system may show only its
     /// first part).
     void setThreadName(const String& name);
+    /// The name set last; empty when none was.
     [[nodiscard]] String getThreadName() const;
     /// The first exception that left the run, or null.
     [[nodiscard]] PC<CError> getRunError() const;

@@ -15,15 +15,23 @@ namespace kel {
 class KEL_API CTimeSpan {
 public:
     constexpr CTimeSpan() = default;
+    /// The greatest value means infinite.
     constexpr explicit CTimeSpan(int64 microseconds) : microseconds_(microseconds) {}
+    /// @{
     /// The factories saturate at the longest finite span instead of overflowing.
     [[nodiscard]] static CTimeSpan fromMicroseconds(int64 microseconds);
     [[nodiscard]] static CTimeSpan fromMilliseconds(int64 milliseconds);
+    /// @}
+
     /// Rounded to the nearest microsecond. Infinity gives the infinite span; not-a-number gives zero.
     [[nodiscard]] static CTimeSpan fromSeconds(double seconds);
+    /// @{
+    /// Longer than every other span; for time limits it means none.
     [[nodiscard]] static constexpr CTimeSpan infinite() { return CTimeSpan(infiniteValue); }
 
     [[nodiscard]] constexpr bool isInfinite() const noexcept { return microseconds_ == infiniteValue; }
+    /// @}
+    /// The greatest value for the infinite span.
     [[nodiscard]] constexpr int64 getMicroseconds() const noexcept { return microseconds_; }
     /// Truncated toward zero.
     [[nodiscard]] constexpr int64 getMilliseconds() const noexcept { return microseconds_ / 1000; }
@@ -42,17 +50,20 @@ private:
 class KEL_API CTime {
 public:
     constexpr CTime() = default;
+    /// From microseconds since 1970, negative ones before it.
     [[nodiscard]] static constexpr CTime fromMicroseconds(int64 microseconds) { return CTime(microseconds); }
     /// From seconds since 1970 (saturating).
     [[nodiscard]] static CTime fromCTime(std::time_t seconds);
     /// The present, from the system's clock or the function put in its place.
     [[nodiscard]] static CTime now();
 
+    /// What tells the present in place of the system's clock.
     using NowFunction = CTime (*)();
     /// Replaces the clock of the whole process, for tests; null puts the system's back. Returns the one
     /// before.
     static NowFunction setNowFunction(NowFunction function);
 
+    /// Since 1970, negative before it.
     [[nodiscard]] constexpr int64 getMicroseconds() const noexcept { return microseconds_; }
     /// Whole seconds since 1970, rounded down.
     [[nodiscard]] std::time_t toCTime() const noexcept;
@@ -77,6 +88,7 @@ public:
     /// The fields of `time` in a zone that lies `zoneOffsetMinutes` east of UTC.
     explicit CTimeFields(const CTime& time, int zoneOffsetMinutes = 0);
 
+    /// No day of the week: it is worked out from the date.
     static constexpr int weekDayUnknown = -1;
 
     /// @param month 1 to 12. @param day 1 to 31. @param weekDay 0 for Sunday to 6 for Saturday, or
@@ -88,18 +100,28 @@ public:
     /// them.
     /// @throws CInvalidArgError for any other value.
     void setSecondFraction(double fraction);
+    /// The zone that date and time are told in; they stay as they are. Default: 0, UTC.
     void setZoneOffsetMinutes(int minutesEastOfUTC) { zoneOffsetMinutes_ = minutesEastOfUTC; }
 
+    /// @{
+    /// As given: month and day from 1, out-of-range values included.
     [[nodiscard]] int64 getYear() const noexcept { return year_; }
     [[nodiscard]] int getMonth() const noexcept { return month_; }
     [[nodiscard]] int getDay() const noexcept { return day_; }
+    /// @}
+
     /// 0 for Sunday to 6 for Saturday.
     [[nodiscard]] int getWeekDay() const;
+    /// @{
+    /// As given, out-of-range values included.
     [[nodiscard]] int getHour() const noexcept { return hour_; }
     [[nodiscard]] int getMinute() const noexcept { return minute_; }
     [[nodiscard]] int getSecond() const noexcept { return second_; }
+    /// @}
+
     /// 0 to 999999.
     [[nodiscard]] int getMicrosecond() const noexcept { return microsecond_; }
+    /// Minutes east of UTC.
     [[nodiscard]] int getZoneOffsetMinutes() const noexcept { return zoneOffsetMinutes_; }
 
     /// The point in time that the fields name, their zone taken into account (saturating).

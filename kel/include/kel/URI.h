@@ -7,6 +7,7 @@
 
 namespace kel {
 
+/// Functions on addresses.
 class KEL_API CURI {
 public:
     /// Replaces every byte of the text's UTF-8 form that is not unreserved (letters, digits, "-", ".", "_",

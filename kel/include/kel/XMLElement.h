@@ -18,24 +18,31 @@ namespace kel {
 /// Thread safety: one thread at a time, or any number of readers.
 class KEL_API CXMLElement : public CBase {
 public:
+    /// Name and value.
     using Attribute = std::pair<String, String>;
 
     /// @param name must be an XML name; it is written as it is.
     explicit CXMLElement(const String& name);
     ~CXMLElement() override;
 
+    /// As the constructor was given it.
     [[nodiscard]] const String& getName() const noexcept { return name_; }
     /// Adds an attribute, or replaces the value of the one of that name.
     void addAttribute(const String& name, const String& value);
     /// The value, or the empty text when there is no such attribute.
     [[nodiscard]] String getAttribute(const String& name) const;
+    /// Whether there is an attribute of that name, the empty one included.
     [[nodiscard]] bool hasAttribute(const String& name) const;
+    /// All of them, in the order in which their names were added.
     [[nodiscard]] const std::vector<Attribute>& getAttributes() const noexcept { return attributes_; }
+    /// Replaces the text, which stands before the children.
     void setText(const String& text) { text_ = text; }
+    /// Empty when none was set.
     [[nodiscard]] const String& getText() const noexcept { return text_; }
     /// Keeps a reference. The tree must stay a tree: no element may come to stand below itself.
     /// @throws CInvalidArgError if `child` is null.
     void addChild(CXMLElement* child);
+    /// In the order in which they were added.
     [[nodiscard]] const TArray<P<CXMLElement>>& getChildren() const noexcept { return children_; }
 
     /// The element and all below it as XML 1.0: text first, then the children; each element starts on a line
