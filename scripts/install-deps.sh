@@ -2,7 +2,7 @@
 # Installs the Debian 12 packages that building and testing need. Does nothing, quickly, when they are all there.
 # Services of the new packages are not started.
 #
-#     scripts/install-deps.sh [build|demo|test|bench|check|coverage|all]...      (default: all)
+#     scripts/install-deps.sh [build|demo|test|bench|check|coverage|windows|all]...      (default: all)
 #
 #     build     compiler, build tools and the libraries that vantra stands on
 #     demo      what scripts/demo.sh needs beside that
@@ -10,6 +10,7 @@
 #     bench     Google Benchmark and the server that the benchmarks start
 #     check     clang and its tools, for the static checks
 #     coverage  what scripts/coverage.sh needs beside build and test; not part of all
+#     windows   the cross compiler for 64-bit Windows and Wine, beside build and test; not part of all
 # shellcheck source=scripts/lib.sh
 . "$(dirname "$0")/lib.sh"
 
@@ -21,6 +22,7 @@ test=(libgtest-dev libgmock-dev openssl nginx-light libnginx-mod-http-echo tinyp
 bench=(libbenchmark-dev nginx-light openssl proftpd-core proftpd-mod-crypto)
 check=(git python3 clang clang-tidy clang-format libclang-rt-14-dev shellcheck util-linux doxygen)
 coverage=(gcovr)
+windows=(g++-mingw-w64-x86-64-posix wine64 dpkg-dev perl make googletest ca-certificates unzip)
 
 packages=()
 for group in "${@:-all}"; do
@@ -31,8 +33,9 @@ for group in "${@:-all}"; do
     bench) packages+=("${bench[@]}") ;;
     check) packages+=("${check[@]}") ;;
     coverage) packages+=("${coverage[@]}") ;;
+    windows) packages+=("${windows[@]}") ;;
     all) packages+=("${build[@]}" "${demo[@]}" "${test[@]}" "${bench[@]}" "${check[@]}") ;;
-    *) die "unknown group '$group'; the groups are build, demo, test, bench, check, coverage and all" ;;
+    *) die "unknown group '$group'; the groups are build, demo, test, bench, check, coverage, windows and all" ;;
     esac
 done
 mapfile -t packages < <(printf '%s\n' "${packages[@]}" | sort -u)
