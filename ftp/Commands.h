@@ -18,7 +18,9 @@ struct FTPCommand {
 };
 
 /// The commands' lines, "VERB PATH" with the path as it is.
+/// @param function what the error names as its context.
 /// @throws kel::CInvalidArgError for a path that would end its line and begin a command of its own.
-[[nodiscard]] kel::P<CNetStringList> makeCommands(std::initializer_list<FTPCommand> commands);
+[[nodiscard]] kel::P<CNetStringList> makeCommands(const char* function,
+                                                  std::initializer_list<FTPCommand> commands);
 
 } // namespace vantra

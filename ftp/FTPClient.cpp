@@ -3,6 +3,7 @@
 #include "vantra/FTPClient.h"
 
 #include "ftp/Commands.h"
+#include "http/LineEnd.h"
 
 #include <kel/Buffer.h>
 #include <kel/Error.h>
@@ -64,6 +65,9 @@ String CFTPClient::cwdTypeToString(CWDType type) {
 String CFTPClient::escapePath(const String& path) { return kel::CURI::escape(path, false, "/"); }
 
 void CFTPClient::beginPrepareRequest(CNetRequest& request, const String& path, bool createMissingDirs) const {
+    if (hasLineEnd(user_.view()) || hasLineEnd(password_.view()))
+        throw CInvalidArgError("CFTPClient::beginPrepareRequest",
+                               "user name or password contains a line break or a NUL character");
     request.reset();
     request.setURL((connectType_ == ConnectImplicitTLS ? "ftps://" : "ftp://") + host_ + path);
     request.setUserName(user_);
@@ -108,16 +112,17 @@ void CFTPClient::prepareListDirRequest(CNetRequest& request, const String& dirPa
 }
 
 void CFTPClient::prepareGetInfoRequest(CNetRequest& request, const String& path) const {
-    prepareCommandsRequest(request, makeCommands({{"MLST", path}}));
+    prepareCommandsRequest(request, makeCommands("CFTPClient::prepareGetInfoRequest", {{"MLST", path}}));
 }
 
 void CFTPClient::prepareVerifyExistsRequest(CNetRequest& request, const String& path) const {
-    prepareGetInfoRequest(request, path);
+    prepareCommandsRequest(request, makeCommands("CFTPClient::prepareVerifyExistsRequest", {{"MLST", path}}));
 }
 
 void CFTPClient::prepareCreateDirRequest(CNetRequest& request, const String& dirPath,
                                          bool createParents) const {
-    const P<CNetStringList> commands = makeCommands({{"MKD", dirPath}});
+    const P<CNetStringList> commands =
+        makeCommands("CFTPClient::prepareCreateDirRequest", {{"MKD", dirPath}});
     if (!createParents) {
         prepareCommandsRequest(request, commands);
         return;
@@ -127,16 +132,17 @@ void CFTPClient::prepareCreateDirRequest(CNetRequest& request, const String& dir
 }
 
 void CFTPClient::prepareRemoveDirRequest(CNetRequest& request, const String& dirPath) const {
-    prepareCommandsRequest(request, makeCommands({{"RMD", dirPath}}));
+    prepareCommandsRequest(request, makeCommands("CFTPClient::prepareRemoveDirRequest", {{"RMD", dirPath}}));
 }
 
 void CFTPClient::prepareDeleteFileRequest(CNetRequest& request, const String& path) const {
-    prepareCommandsRequest(request, makeCommands({{"DELE", path}}));
+    prepareCommandsRequest(request, makeCommands("CFTPClient::prepareDeleteFileRequest", {{"DELE", path}}));
 }
 
 void CFTPClient::prepareMoveFileRequest(CNetRequest& request, const String& from, const String& to,
                                         bool createMissingDirs) const {
-    const P<CNetStringList> commands = makeCommands({{"RNFR", from}, {"RNTO", to}});
+    const P<CNetStringList> commands =
+        makeCommands("CFTPClient::prepareMoveFileRequest", {{"RNFR", from}, {"RNTO", to}});
     if (!createMissingDirs) {
         prepareCommandsRequest(request, commands);
         return;
@@ -150,7 +156,8 @@ void CFTPClient::prepareMoveFileRequest(CNetRequest& request, const String& from
 
 void CFTPClient::prepareMoveDirRequest(CNetRequest& request, const String& from, const String& to,
                                        bool createMissingDirs) const {
-    const P<CNetStringList> commands = makeCommands({{"RNFR", from}, {"RNTO", to}});
+    constexpr const char* function = "CFTPClient::prepareMoveDirRequest";
+    const P<CNetStringList> commands = makeCommands(function, {{"RNFR", from}, {"RNTO", to}});
     if (!createMissingDirs) {
         prepareCommandsRequest(request, commands);
         return;
@@ -159,7 +166,7 @@ void CFTPClient::prepareMoveDirRequest(CNetRequest& request, const String& from,
     beginPrepareRequest(request, dummyPath, true);
     request.setFTPCustomPreCommands(commands);
     setUploadOf(request, new TBuffer<unsigned char>());
-    request.setFTPCustomPostCommands(makeCommands({{"DELE", dummyPath}}));
+    request.setFTPCustomPostCommands(makeCommands(function, {{"DELE", dummyPath}}));
 }
 
 } // namespace vantra

@@ -25,6 +25,9 @@ namespace vantra {
 ///
 /// Failures are those of CNetRequest::perform: CCURLError with the server's last reply code in the domain
 /// "ftp", which is 0 when the server has closed the connection. Nothing is asked of the server beforehand.
+/// A preparation throws kel::CInvalidArgError, with nothing done to the request, for what would end its line
+/// and begin a command of its own: "path contains a line break or a NUL character" for a path that goes into
+/// a command, and the same of "user name or password".
 ///
 /// Over TLS libcurl 7.88 reports an upload or listing that the server refuses as CURLE_FTP_WEIRD_PASV_REPLY:
 /// it takes the end of the data connection for a failure to open it, tries once more, and reads the refusal
@@ -50,8 +53,9 @@ namespace vantra {
 /// | deleteDirWithAllContents and all directories that it finds    | both                            |
 ///
 /// In a URL "%41" is "A", "#" and "?" end the path, ";type=X" at the end chooses a transfer type and is cut
-/// off, "/./" and "/../" are resolved, and a blank makes the URL invalid (CURLE_URL_MALFORMAT). escapePath()
-/// makes the path for a URL that stands for a given name. A name of letters, digits, "-", ".", "_" and "~",
+/// off, "/./" and "/../" are resolved, a blank or a line break makes the URL invalid (CURLE_URL_MALFORMAT),
+/// and CNetRequest::setURL refuses a NUL character. escapePath() makes the path for a URL that stands for a
+/// given name. A name of letters, digits, "-", ".", "_" and "~",
 /// of characters outside ASCII, and of most other ones is the same on both ways. Where a path that is not
 /// goes both ways, the two are about different files: let a subclass escape the paths for URLs
 /// (beginPrepareRequest).

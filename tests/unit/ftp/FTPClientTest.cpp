@@ -6,8 +6,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <string>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 namespace vantra::test {
 
@@ -175,26 +178,50 @@ TEST_F(FTPClientArguments, AreCopiedForAnUpload) {
 }
 
 TEST_F(FTPClientArguments, MustNotSmuggleCommandsIn) {
-    const Thrown expected = invalidArgError("CFTPClient", "path contains a line break or a NUL character");
     const String paths[] = {"/a\r\nDELE /b", "/a\nDELE /b", "/a\rDELE /b", String(L"/a\0b", 4)};
     for (const String& path : paths) {
-        EXPECT_EQ(thrownBy([&] { client_.prepareGetInfoRequest(*request_, path); }), expected);
-        EXPECT_EQ(thrownBy([&] { client_.prepareVerifyExistsRequest(*request_, path); }), expected);
-        EXPECT_EQ(thrownBy([&] { client_.prepareCreateDirRequest(*request_, path, false); }), expected);
-        EXPECT_EQ(thrownBy([&] { client_.prepareCreateDirRequest(*request_, path, true); }), expected);
-        EXPECT_EQ(thrownBy([&] { client_.prepareRemoveDirRequest(*request_, path); }), expected);
-        EXPECT_EQ(thrownBy([&] { client_.prepareDeleteFileRequest(*request_, path); }), expected);
+        const auto expectRefused = [&](const std::string& method, const std::function<void()>& prepare) {
+            EXPECT_EQ(thrownBy(prepare), invalidArgError("CFTPClient::" + method,
+                                                         "path contains a line break or a NUL character"));
+        };
+        expectRefused("prepareGetInfoRequest", [&] { client_.prepareGetInfoRequest(*request_, path); });
+        expectRefused("prepareVerifyExistsRequest",
+                      [&] { client_.prepareVerifyExistsRequest(*request_, path); });
+        expectRefused("prepareRemoveDirRequest", [&] { client_.prepareRemoveDirRequest(*request_, path); });
+        expectRefused("prepareDeleteFileRequest", [&] { client_.prepareDeleteFileRequest(*request_, path); });
         for (const bool create : {false, true}) {
-            EXPECT_EQ(thrownBy([&] { client_.prepareMoveFileRequest(*request_, path, "/b", create); }),
-                      expected);
-            EXPECT_EQ(thrownBy([&] { client_.prepareMoveFileRequest(*request_, "/b", path, create); }),
-                      expected);
-            EXPECT_EQ(thrownBy([&] { client_.prepareMoveDirRequest(*request_, path, "/b", create); }),
-                      expected);
-            EXPECT_EQ(thrownBy([&] { client_.prepareMoveDirRequest(*request_, "/b", path, create); }),
-                      expected);
+            expectRefused("prepareCreateDirRequest",
+                          [&] { client_.prepareCreateDirRequest(*request_, path, create); });
+            expectRefused("prepareMoveFileRequest",
+                          [&] { client_.prepareMoveFileRequest(*request_, path, "/b", create); });
+            expectRefused("prepareMoveFileRequest",
+                          [&] { client_.prepareMoveFileRequest(*request_, "/b", path, create); });
+            expectRefused("prepareMoveDirRequest",
+                          [&] { client_.prepareMoveDirRequest(*request_, path, "/b", create); });
+            expectRefused("prepareMoveDirRequest",
+                          [&] { client_.prepareMoveDirRequest(*request_, "/b", path, create); });
         }
     }
+    EXPECT_EQ(request_->getURL(), "");
+}
+
+TEST_F(FTPClientArguments, MustBeOfOneLineForTheLogin) {
+    const Thrown refused = invalidArgError("CFTPClient::beginPrepareRequest",
+                                           "user name or password contains a line break or a NUL character");
+    const String texts[] = {"a\r\nDELE /b", "a\n", "\ra", String(L"a\0b", 3)};
+    for (const String& text : texts) {
+        const CFTPClient ofUser("h", text, "p", CFTPClient::ConnectUnencrypted);
+        EXPECT_EQ(thrownBy([&] { ofUser.prepareListDirRequest(*request_, "/a"); }), refused);
+        const CFTPClient ofPassword("h", "u", text, CFTPClient::ConnectUnencrypted);
+        EXPECT_EQ(thrownBy([&] { ofPassword.prepareRemoveDirRequest(*request_, "/a"); }), refused);
+    }
+    EXPECT_EQ(request_->getURL(), "");
+}
+
+TEST_F(FTPClientArguments, MustHoldNoNULInAURL) {
+    const String path(L"/a\0b", 4);
+    EXPECT_EQ(thrownBy([&] { client_.prepareUploadRequest(*request_, path, "x", 1, false); }),
+              invalidArgError("CNetRequest::setOptionString", "text contains a NUL character"));
 }
 
 } // namespace
