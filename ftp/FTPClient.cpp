@@ -12,6 +12,8 @@
 #include <kel/Mutex.h>
 #include <kel/URI.h>
 
+#include <limits>
+
 namespace vantra {
 
 using kel::CError;
@@ -22,6 +24,8 @@ using kel::String;
 using kel::TBuffer;
 
 namespace {
+
+constexpr int64 maxInt64 = std::numeric_limits<int64>::max();
 
 /// A directory's path as a URL must end for libcurl to take it for one.
 String withSlash(const String& dirPath) { return dirPath.endsWith(L"/") ? dirPath : dirPath + "/"; }
@@ -91,6 +95,9 @@ void CFTPClient::prepareCommandsRequest(CNetRequest& request, CNetStringList* co
 
 void CFTPClient::prepareDownloadRequest(CNetRequest& request, const String& path, int64 first,
                                         int64 length) const {
+    // libcurl would read a range that is none as another one.
+    const bool isRange = first >= 0 && (length == -1 || (length > 0 && first <= maxInt64 - length));
+    if (!isRange) throw CInvalidArgError("CFTPClient::prepareDownloadRequest", "invalid range");
     beginPrepareRequest(request, path, false);
     if (first != 0 || length != -1) request.setRange(first, length);
 }

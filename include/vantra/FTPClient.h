@@ -108,6 +108,8 @@ public:
     /// A download to the request's receive side.
     /// @param first position of the first byte wanted. @param length number of bytes wanted, at least 1, or
     /// -1 for all that follow (CURLOPT_RANGE).
+    /// @throws kel::CInvalidArgError "invalid range" for a negative position, another length, and an end
+    /// beyond 64 bits.
     void prepareDownloadRequest(CNetRequest& request, const kel::String& path, kel::int64 first,
                                 kel::int64 length) const;
     /// Stores bytes under the path, in place of a file that is there.

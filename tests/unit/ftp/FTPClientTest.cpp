@@ -6,7 +6,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <functional>
+#include <limits>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -175,6 +177,23 @@ TEST_F(FTPClientArguments, AreCopiedForAnUpload) {
     char sent[5] = "";
     EXPECT_EQ(request_->getSendDataStream()->read(sent, 4), 4U);
     EXPECT_STREQ(sent, "data");
+}
+
+TEST_F(FTPClientArguments, MustBeARangeForADownload) {
+    constexpr kel::int64 last = std::numeric_limits<kel::int64>::max();
+    const Thrown invalid = invalidArgError("CFTPClient::prepareDownloadRequest", "invalid range");
+    using Range = std::pair<kel::int64, kel::int64>;
+    const Range ranges[] = {{0, 0},  {5, 0},  {0, -2},        {-1, -1},
+                            {-5, 5}, {-5, 0}, {1, INT64_MIN}, {2, last - 1}};
+    for (const auto& [first, length] : ranges) {
+        EXPECT_EQ(thrownBy([&] { client_.prepareDownloadRequest(*request_, "/a", first, length); }), invalid)
+            << first << ' ' << length;
+    }
+    EXPECT_EQ(request_->getURL(), "");
+    for (const auto& [first, length] : {Range{last, -1}, Range{1, last - 1}}) {
+        EXPECT_EQ(thrownBy([&] { client_.prepareDownloadRequest(*request_, "/a", first, length); }),
+                  nothingThrown);
+    }
 }
 
 TEST_F(FTPClientArguments, MustNotSmuggleCommandsIn) {
