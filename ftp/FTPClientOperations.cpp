@@ -19,7 +19,8 @@ struct EmptiedDir {
 
 /// Whether an entry leads deeper, and not to the directory that lists it or back up.
 bool isSubdirectory(const CFTPDirEntry& entry) {
-    return entry.getType() == IFileInfoBase::Directory && entry.getName() != "." && entry.getName() != "..";
+    const String name = entry.getName();
+    return entry.getType() == IFileInfoBase::Directory && !name.isEmpty() && name != "." && name != "..";
 }
 
 } // namespace

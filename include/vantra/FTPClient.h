@@ -167,8 +167,9 @@ public:
     /// @throws also what CFTPListDirResult's constructor throws.
     [[nodiscard]] kel::P<CFTPListDirResult> listDir(CNetRequest& request, const kel::String& dirPath) const;
     /// Deletes the files of a directory and, depth first, its directories, then the directory itself. Entries
-    /// that are neither (links, for one) are left alone, so that their directory cannot be removed. The first
-    /// failure ends it; what was deleted until then stays deleted.
+    /// that are neither (links, for one) are left alone, so that their directory cannot be removed; so are
+    /// the directory itself and the one above, where a server lists them as directories (".", "..", or
+    /// without a name). The first failure ends it; what was deleted until then stays deleted.
     void deleteDirWithAllContents(CNetRequest& request, const kel::String& dirPath) const;
 
 protected:

@@ -43,7 +43,7 @@ TEST_F(FTPWire, LeavesAloneWhatIsNeitherFileNorDirectory) {
 }
 
 TEST_F(FTPWire, DoesNotGoUpWhereAServerListsItsDotsAsDirectories) {
-    server_.sendAsData("type=dir; .\r\ntype=dir; ..\r\ntype=file; f\r\n");
+    server_.sendAsData("type=dir; .\r\ntype=dir; ..\r\ntype=dir; \r\ntype=file; f\r\n");
     client_.deleteDirWithAllContents(*request_, "/d");
     EXPECT_EQ(withoutPassiveMode(takeConversation()), "MLSD d\r\nDELE /d/f\r\nRMD /d\r\n");
 }
