@@ -180,6 +180,14 @@ const OperationCase operations[] = {
      {"PREQUOTE = [\"RNFR /a\", \"RNTO /b/c\"]", "UPLOAD = 1",
       "POSTQUOTE = [\"DELE /b/c/" + dummyName() + "\"]"},
      ""},
+    {"MoveDirWithMissingDirsAndSlash",
+     [](const CFTPClient& c, CNetRequest& r) { c.prepareMoveDirRequest(r, "/a/", "/b/", true); },
+     "/b//" + dummyName(),
+     steps,
+     retry,
+     {"PREQUOTE = [\"RNFR /a/\", \"RNTO /b/\"]", "UPLOAD = 1",
+      "POSTQUOTE = [\"DELE /b//" + dummyName() + "\"]"},
+     ""},
 };
 
 std::string contentOf(const P<kel::IInStream>& stream) {

@@ -82,6 +82,11 @@ TEST(FTPListDirResult, ReadsUTF8) {
                             "\xF0\x9F\x90\x98"));
 }
 
+TEST(FTPListDirResult, KeepsANULInAName) {
+    using namespace std::string_literals;
+    EXPECT_THAT(read("a=; x\0y\r\na=; z"s), ElementsAre("x\0y"s, "z"));
+}
+
 TEST(FTPListDirResult, RejectsWhatIsNoUTF8BeforeAnythingElse) {
     EXPECT_EQ(thrownFor("nospace\r\na=; Gr\xF6\xDF"
                         "e\r\n"),
