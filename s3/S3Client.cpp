@@ -1,5 +1,6 @@
 #include "vantra/S3Client.h"
 
+#include "http/LineEnd.h"
 #include "s3/Endpoint.h"
 
 #include <kel/Error.h>
@@ -22,7 +23,11 @@ CS3Client::CS3Client(const String& accessKeyID, const String& secretAccessKey, b
       md5_(new sigil::CDigestType_MD5()),
       accessKeyID_(accessKeyID),
       secretAccessKey_(secretAccessKey),
-      secretKeyBytes_(secretAccessKey.toUTF8()) {}
+      secretKeyBytes_(secretAccessKey.toUTF8()) {
+    if (hasLineEnd(accessKeyID.view()))
+        throw CInvalidArgError("CS3Client::CS3Client",
+                               "access key id contains a line break or a NUL character");
+}
 
 CS3Client::CS3Client(const CS3Client&) = default;
 CS3Client& CS3Client::operator=(const CS3Client&) = default;

@@ -1,5 +1,7 @@
 #include "vantra/S3Client.h"
 
+#include "http/LineEnd.h"
+
 #include <kel/Error.h>
 #include <kel/MemoryStream.h>
 #include <kel/Number.h>
@@ -68,6 +70,8 @@ void CS3Client::preparePutObjectRequest(CNetRequest& request, const String& buck
     checkNames(function, bucket, object);
     if (size < 0) throw CInvalidArgError(function, "size must not be negative");
     if (!data && size > 0) throw CInvalidArgError(function, "data must not be null");
+    if (hasLineEnd(contentType.view()))
+        throw CInvalidArgError(function, "content type contains a line break or a NUL character");
     const auto byteCount = static_cast<std::size_t>(size);
     const P<CNetHeaders> headers = beginPrepareRequest(request, getObjectURL(request, bucket, object));
     request.setHTTPMethod("PUT");

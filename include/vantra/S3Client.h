@@ -47,9 +47,11 @@ namespace vantra {
 /// but the MD5 computation, so that a copy must not upload while its original does on another thread.
 class VANTRA_API CS3Client : public kel::CBase {
 public:
-    /// @param secretAccessKey stays within the client; only signatures leave it.
+    /// @param accessKeyID is sent in clear. @param secretAccessKey stays within the client; only signatures
+    /// leave it.
     /// @param useHTTPS whether the default endpoint is "https://s3.amazonaws.com/" or
     /// "http://s3.amazonaws.com/".
+    /// @throws kel::CInvalidArgError "access key id contains a line break or a NUL character"
     CS3Client(const kel::String& accessKeyID, const kel::String& secretAccessKey, bool useHTTPS);
     CS3Client(const CS3Client&);
     CS3Client& operator=(const CS3Client&);
@@ -125,8 +127,10 @@ public:
 
     // Preparing requests; see the operations of these names
 
-    /// The bytes at `data` are read in place when the request is performed.
-    /// @throws kel::CInvalidArgError also "size must not be negative" and "data must not be null".
+    /// The bytes at `data` are not copied: they must be there until the request was performed, each retry
+    /// included.
+    /// @throws kel::CInvalidArgError also "size must not be negative", "data must not be null" (with a size
+    /// above 0) and "content type contains a line break or a NUL character".
     void preparePutObjectRequest(CNetRequest& request, const kel::String& bucket, const kel::String& object,
                                  const void* data, int size, const kel::String& contentType);
     /// @throws kel::CInvalidArgError also "invalid range", as getObject().

@@ -260,6 +260,10 @@ TEST_F(S3Preparation, RefusesEmptyNamesBeforeItTouchesTheRequest) {
               refusal("preparePutObjectRequest", "size must not be negative"));
     EXPECT_EQ(thrownBy([&] { client_.preparePutObjectRequest(*request_, "b", "k", nullptr, 1, ""); }),
               refusal("preparePutObjectRequest", "data must not be null"));
+    for (const String& type : {String("a/b\r\nX-Other: y"), String("a/b\n"), String(L"a\0b", 3)})
+        EXPECT_EQ(
+            thrownBy([&] { client_.preparePutObjectRequest(*request_, "b", "k", "", 0, type); }),
+            refusal("preparePutObjectRequest", "content type contains a line break or a NUL character"));
     EXPECT_EQ(thrownBy([&] { client_.prepareGetObjectRequest(*request_, "", "k", 0, -1); }),
               refusal("prepareGetObjectRequest", noBucket));
     EXPECT_EQ(thrownBy([&] { client_.prepareGetObjectRequest(*request_, "b", "", 0, -1); }),

@@ -9,6 +9,7 @@ namespace vantra::test {
 
 namespace {
 
+using kel::String;
 using testing::Contains;
 using testing::Not;
 
@@ -18,6 +19,13 @@ TEST_F(S3Settings, VerifyThePeerAndRecordNothingByDefault) {
     client_.prepareDeleteObjectRequest(*request_, "b", "k");
     EXPECT_FALSE(request_->isVerboseEnabled());
     EXPECT_THAT(curl_.takeCalls(), Not(Contains("SSL_VERIFYPEER = 0")));
+}
+
+TEST(S3AccessKeyID, IsOfOneLine) {
+    for (const String& id : {String("id\r\nX-Other: y"), String("id\n"), String(L"id\0", 3)})
+        EXPECT_EQ(thrownBy([&] { CS3Client client(id, "secret", true); }),
+                  invalidArgError("CS3Client::CS3Client",
+                                  "access key id contains a line break or a NUL character"));
 }
 
 TEST_F(S3Settings, AreAppliedToEachRequestFromThenOn) {
