@@ -8,6 +8,7 @@
 namespace vantra {
 
 using kel::CError;
+using kel::CInvalidArgError;
 using kel::CTime;
 using kel::CTimeFields;
 using kel::P;
@@ -17,6 +18,10 @@ using kel::TMap;
 namespace {
 
 constexpr std::wstring_view amzHeaderStart = L"x-amz-";
+
+void checkRequest(const char* function, const CNetRequest* request) {
+    if (!request) throw CInvalidArgError(function, "request must not be null");
+}
 
 } // namespace
 
@@ -38,6 +43,7 @@ P<CNetHeaders> CS3Client::beginPrepareRequest(CNetRequest& request, const String
 void CS3Client::finishPrepareRequest(CNetRequest& request) { signRequest(&request); }
 
 void CS3Client::signRequest(CNetRequest* request) {
+    checkRequest("CS3Client::signRequest", request);
     const P<CNetHeaders> present = request->getCustomHTTPHeaders();
     const P<CNetHeaders> headers = present ? present : P<CNetHeaders>(new CNetHeaders());
     headers->add("Authorization", "AWS " + accessKeyID_ + ":" + getSignature(request));
@@ -45,6 +51,7 @@ void CS3Client::signRequest(CNetRequest* request) {
 }
 
 String CS3Client::getSignature(CNetRequest* request) {
+    checkRequest("CS3Client::getSignature", request);
     const std::string bytes = getStringToSign(request).toUTF8();
     sigil::calcHMAC_SHA1(secretKeyBytes_.data(), secretKeyBytes_.size(), bytes.data(), bytes.size(),
                          signatureBuffer_);
@@ -52,6 +59,7 @@ String CS3Client::getSignature(CNetRequest* request) {
 }
 
 String CS3Client::getStringToSign(CNetRequest* request) {
+    checkRequest("CS3Client::getStringToSign", request);
     TMap<String, String> headers;
     if (const P<CNetHeaders> custom = request->getCustomHTTPHeaders()) custom->fillMap(headers);
     const String& method = request->getHTTPMethod();

@@ -178,8 +178,9 @@ public:
 
     // Signing
 
-    /// Adds the header "Authorization", for the request as it is.
-    /// @throws as getCanonicalizedResource.
+    /// Adds the header "Authorization", for the request as it is. An "x-amz-" header of the caller's own must
+    /// have a value: an empty one would be signed, but libcurl does not send it.
+    /// @throws kel::CInvalidArgError "request must not be null", here and below; as getCanonicalizedResource.
     void signRequest(CNetRequest* request);
     /// The base64 text of the HMAC-SHA1 of the text to sign.
     [[nodiscard]] kel::String getSignature(CNetRequest* request);

@@ -214,6 +214,16 @@ TEST(S3StringToSign, FailsWithoutAResource) {
     EXPECT_THAT(getHeaderLines(*request), ElementsAre("Date: d"));
 }
 
+TEST(S3Signing, NeedsARequest) {
+    CTestClient client;
+    const auto refusal = [](const std::string& method) {
+        return invalidArgError("CS3Client::" + method, "request must not be null");
+    };
+    EXPECT_EQ(thrownBy([&] { client.signRequest(nullptr); }), refusal("signRequest"));
+    EXPECT_EQ(thrownBy([&] { (void)client.getSignature(nullptr); }), refusal("getSignature"));
+    EXPECT_EQ(thrownBy([&] { (void)CS3Client::getStringToSign(nullptr); }), refusal("getStringToSign"));
+}
+
 TEST(S3AMZHeaders, AreSortedAndEachEndedByALineFeed) {
     EXPECT_EQ(CS3Client::getCanonicalizedAMZHeaders(
                   {{"x-amz-meta-b", "b value"}, {"x-amz-acl", "private"}, {"date", "d"}}),
