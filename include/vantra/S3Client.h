@@ -40,8 +40,10 @@ namespace vantra {
 /// be used alone, say with CAsyncNetRequestThread; a prepared request is signed with the time of day, for
 /// which stores usually allow a quarter of an hour.
 ///
-/// Failures: kel::CInvalidArgError for an empty name, with nothing done to the request; CS3Error when the
-/// service explained its refusal; CCURLError for everything else that goes wrong in a transfer.
+/// Failures: kel::CInvalidArgError for an empty name ("bucket name must not be empty", "object name must not
+/// be empty", and for a copy "neither the existing nor the new object name may be empty"), with nothing done
+/// to the request; CS3Error when the service explained its refusal; CCURLError for everything else that goes
+/// wrong in a transfer.
 ///
 /// Thread safety: one thread at a time. Distinct clients, copies included, share nothing that is not safe
 /// but the MD5 computation, so that a copy must not upload while its original does on another thread.
@@ -148,7 +150,8 @@ public:
                                    const kel::String& delimiter, const kel::String& marker, int maxKeys);
     /// @}
 
-    /// The endpoint, the bucket, "/" and the object's name, both escaped ("/" as "%2F").
+    /// The endpoint, the bucket, "/" and the object's name, both escaped ("/" as "%2F"). Objects called "."
+    /// or ".." are asked for by these names (CURLOPT_PATH_AS_IS).
     [[nodiscard]] kel::String getObjectURL(CNetRequest& request, const kel::String& bucket,
                                            const kel::String& object) const;
 
@@ -185,12 +188,14 @@ public:
     /// The base64 text of the HMAC-SHA1 of the text to sign.
     [[nodiscard]] kel::String getSignature(CNetRequest* request);
     /// Method, "content-md5", "content-type", date, "x-amz-" headers and resource. An empty method counts as
-    /// "GET". @throws as getCanonicalizedResource.
+    /// "GET"; the values of a header that was added twice are joined with "," (CNetHeaders::fillMap).
+    /// @throws as getCanonicalizedResource.
     [[nodiscard]] static kel::String getStringToSign(CNetRequest* request);
-    /// "name:value\n" for each header whose lower-cased name begins with "x-amz-".
+    /// "name:value\n" for each header whose name, which has to be in lower case already, begins with
+    /// "x-amz-", in the order of the names' code units.
     [[nodiscard]] static kel::String
     getCanonicalizedAMZHeaders(const kel::TMap<kel::String, kel::String>& headers);
-    /// The path of a URL, and its query if there is neither "=" nor "&" in it.
+    /// The path of a URL as it is spelt, and its query if there is neither "=" nor "&" in it.
     /// @throws kel::CError "Invalid Amazon S3 query URL: 'URL'."
     [[nodiscard]] static kel::String getCanonicalizedResource(const kel::String& url);
     /// Joins the lines of a value: a line feed and the white space behind it become one blank.

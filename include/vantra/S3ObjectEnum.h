@@ -43,7 +43,8 @@ public:
     [[nodiscard]] kel::P<CS3ListObjectsElement> getCurrObject() const;
 
 protected:
-    /// Fetches the page behind the present one and goes to its start; false when there is none.
+    /// Fetches the page behind the last key of the current one, or the first page, without a delimiter, and
+    /// goes to its first object; false, and the end, when there is none. @throws as next().
     bool nextPage();
 
 private:
