@@ -61,6 +61,24 @@ TEST(S3ErrorResponse, HasTheWholeTextOfAField) {
     EXPECT_EQ(response.getResource(), "/gr\xc3\xbc\xc3\x9f/\xf0\x9f\x98\x80\xf0\x9f\x98\x80");
 }
 
+TEST(S3ErrorResponse, MayBeginWithAByteOrderMark) {
+    EXPECT_EQ(parse("\xef\xbb\xbf<?xml version=\"1.0\" encoding=\"utf-8\"?><Error><Code>C</Code></Error>")
+                  .getCode(),
+              "C");
+}
+
+TEST(S3ErrorResponse, IsReadInTheEncodingThatItNames) {
+    EXPECT_EQ(parse("<?xml version='1.0' encoding='ISO-8859-1'?><Error><Message>gr\xfc\xdf</Message></Error>")
+                  .getMessage(),
+              "gr\xc3\xbc\xc3\x9f");
+}
+
+TEST(S3ErrorResponse, HasNoNamesOfANamespacePrefix) {
+    EXPECT_EQ(parseError("<s3:Error xmlns:s3=\"http://x/\"/>"),
+              plainError("Error parsing Amazon S3 error result: root element is not 'Error'."));
+    EXPECT_EQ(parse("<Error xmlns:s=\"http://x/\"><s:Code>C</s:Code></Error>").getCode(), "");
+}
+
 TEST(S3ErrorResponse, IsMadeFromAnElement) {
     wxXmlNode root(wxXML_ELEMENT_NODE, "Error");
     auto* code = new wxXmlNode(&root, wxXML_ELEMENT_NODE, "Code");

@@ -137,6 +137,25 @@ TEST_F(S3ObjectEnum, IsCopiedWithItsPlace) {
     EXPECT_EQ(moved.getCurrObject()->getKey(), "b");
 }
 
+TEST_F(S3ObjectEnum, KeepsItsClient) {
+    answer({{200, listing({"a"}, true)}, {200, listing({"b"}, false)}});
+    P<CS3Client> client = new CS3Client("id", "secret", true);
+    CS3ObjectEnum objects(client, request_, "bucket", "", "", 1);
+    client = nullptr;
+    EXPECT_THAT(walk(objects), ElementsAre("a", "b"));
+}
+
+TEST_F(S3ObjectEnum, GivesObjectsThatOutliveIt) {
+    answer({{200, listing({"a"}, false)}});
+    P<CS3ListObjectsElement> object;
+    {
+        CS3ObjectEnum objects = makeEnum();
+        EXPECT_TRUE(objects.next());
+        object = objects.getCurrObject();
+    }
+    EXPECT_EQ(object->getKey(), "a");
+}
+
 TEST_F(S3ObjectEnum, NeedsAClientAndARequest) {
     EXPECT_EQ(thrownBy([&] { CS3ObjectEnum objects(nullptr, request_, "b", "", "", 1); }),
               invalidArgError("CS3ObjectEnum::CS3ObjectEnum", "client must not be null"));

@@ -208,6 +208,11 @@ TEST_F(S3Preparation, EscapesAllOfANameButLettersDigitsAndFourMarks) {
               "https://s3.amazonaws.com/gr%C3%BC%C3%9F/%F0%9F%98%80");
 }
 
+TEST_F(S3Preparation, EscapesANULInAName) {
+    client_.prepareDeleteObjectRequest(*request_, "b", String(L"a\0b", 3));
+    EXPECT_EQ(request_->getURL(), "https://s3.amazonaws.com/b/a%00b");
+}
+
 TEST_F(S3Preparation, BeginsWithAResetAndTheClientsSettings) {
     client_.setPrintDebugInfo(true);
     client_.setSSLVerifyPeer(false);

@@ -171,6 +171,14 @@ TEST_F(S3Retry, OfABadRequestWithoutDocumentIsDoneAndWithOneByItsCode) {
     EXPECT_THAT(getTransfers(), SizeIs(4));
 }
 
+TEST_F(S3Retry, JudgesEachTryByItsOwnAnswer) {
+    answer({{503, errorDocument("SlowDown")}, {0, "", CURLE_COULDNT_RESOLVE_HOST}});
+    const Thrown error = failure();
+    EXPECT_EQ(error.type, "CCURLError");
+    EXPECT_EQ(error.code, CURLE_COULDNT_RESOLVE_HOST);
+    EXPECT_THAT(getTransfers(), SizeIs(2));
+}
+
 /// Throws from the sink, and so from the transfer.
 class CThrowingSink : public kel::CBase, public CNetRequest::IDataSink {
 public:

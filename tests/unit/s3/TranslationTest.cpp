@@ -85,6 +85,13 @@ TEST_F(S3Translation, LogsAResponseThatIsNoText) {
                     notADocument + std::string("<S3ResponseData/>")));
 }
 
+TEST_F(S3Translation, LogsAResponseWithANULToItsEnd) {
+    EXPECT_EQ(translate(transferError_, std::string("a\0b", 3)), nothingThrown);
+    // XML has no way to write it.
+    EXPECT_THAT(log_.getEntries(), ElementsAre(notADocument + std::string("<S3ResponseData>a\xEF\xBF\xBD"
+                                                                          "b</S3ResponseData>")));
+}
+
 using S3RequestTranslation = S3Test;
 
 TEST_F(S3RequestTranslation, OfHTMLLeavesTheTransfersOwnError) {
