@@ -28,7 +28,10 @@ P<ILogHandler> getHandler() {
     return slot.handler;
 }
 
-bool isControlCharacter(wchar_t c) noexcept { return (c >= 0 && c < L' ') || (c >= 0x7F && c < 0xA0); }
+bool isControlCharacter(wchar_t c) noexcept {
+    const auto code = static_cast<char32_t>(c);
+    return code < U' ' || (code >= 0x7F && code < 0xA0);
+}
 
 /// What servers sent may be part of the text: it must not be able to forge a line or to steer a terminal.
 String escapeControlCharacters(const String& text) {

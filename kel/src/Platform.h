@@ -50,4 +50,9 @@ constexpr int64 maxSocketWaitMs = 100'000'000'000;
 [[nodiscard]] int waitForSockets(int socketCount, fd_set* read, fd_set* write, fd_set* exception,
                                  int64 timeoutMs) noexcept;
 
+/// std::atexit for a function of this library: called among the program's own exit handlers and the ends of its
+/// static objects, in the reverse order of their coming to be, while other threads still run.
+/// @return false if the process has no room for it or has come to its end.
+[[nodiscard]] bool callAtExit(void (*function)()) noexcept;
+
 } // namespace kel::platform

@@ -2,8 +2,8 @@
 
 #include "kel/Error.h"
 #include "kel/Log.h"
+#include "Platform.h"
 
-#include <cstdlib>
 #include <mutex>
 #include <vector>
 
@@ -70,7 +70,7 @@ CSafeGlobalDisposer& CSafeGlobalDisposer::get() {
 void CSafeGlobalDisposer::addDisposeFunc(DisposeFunc function) {
     CDisposeStack::get().push(function);
     // Refused only when the exit handlers are through: then the end of the process is now.
-    if (std::atexit(&callLatest) != 0) callLatest();
+    if (!platform::callAtExit(&callLatest)) callLatest();
 }
 
 } // namespace kel

@@ -3,18 +3,16 @@
 #include "kel/P.h"
 
 #include "LogCapture.h"
+#include "SystemFiles.h"
 #include "TempFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <string>
-#include <thread>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace {
 
@@ -119,7 +117,7 @@ TEST(FileInStream, ReadsBeyondFourGigabytes) {
     const CTempFolder folder;
     constexpr kel::int64 hugeSize = (kel::int64{5} << 30) + 3;
     folder.writeFile("sparse", "");
-    ASSERT_EQ(::truncate((folder.getStdPath() / "sparse").c_str(), hugeSize), 0);
+    std::filesystem::resize_file(folder.getStdPath() / "sparse", static_cast<std::uintmax_t>(hugeSize));
     kel::CFileInStream stream(folder / "sparse");
     EXPECT_EQ(stream.getSize(), hugeSize);
     stream.seek(hugeSize - 2);
@@ -167,25 +165,21 @@ TEST(FileInStream, RefusesANameWithANul) {
 }
 
 TEST(FileInStream, ReadsAPipeWhichHasNoSizeAndNoPositions) {
-    const CTempFolder folder;
-    const std::string pipe = folder.getStdPath() / "pipe";
-    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
-    std::thread writer([&] { kel::CFileOutStream(folder / "pipe", Mode::Replace).write("through", 7); });
-    kel::CFileInStream stream(folder / "pipe");
+    const CPipeWriter writer("through");
+    kel::CFileInStream stream(writer.getPath());
     EXPECT_EQ(stream.getSize(), -1);
     EXPECT_EQ(getErrorMessage([&] { stream.seek(1); }),
-              "Error seeking in file " + quote(folder / "pipe") + ": Illegal seek.");
+              "Error seeking in file " + quote(writer.getPath()) + ": Illegal seek.");
     EXPECT_EQ(read(stream, 100), "through");
     EXPECT_EQ(stream.getPosition(), 7);
     EXPECT_EQ(read(stream, 100), "");
-    writer.join();
 }
 
 TEST(FileInStream, ReportsAReadError) {
-    // The system refuses to read a process's memory at address 0.
-    kel::CFileInStream stream("/proc/self/mem");
+    const auto file = makeUnreadableFile();
+    kel::CFileInStream stream(file->getPath());
     EXPECT_EQ(getErrorMessage([&] { read(stream, 10); }),
-              "Error reading file '/proc/self/mem': Input/output error.");
+              "Error reading file " + quote(file->getPath()) + ": " + file->getReason() + ".");
     EXPECT_EQ(stream.getPosition(), 0);
 }
 
@@ -193,15 +187,7 @@ TEST(FileInStream, IsNotInheritedByChildProcesses) {
     const CTempFolder folder;
     folder.writeFile("file", "abc");
     const kel::CFileInStream stream(folder / "file");
-    int inheritable = 0;
-    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
-        std::error_code gone;
-        const auto target = std::filesystem::read_symlink(entry.path(), gone);
-        const int descriptor = std::stoi(entry.path().filename());
-        if (target == folder.getStdPath() / "file" && (::fcntl(descriptor, F_GETFD) & FD_CLOEXEC) == 0)
-            ++inheritable;
-    }
-    EXPECT_EQ(inheritable, 0);
+    EXPECT_EQ(countInheritableDescriptors(folder.getStdPath() / "file"), 0);
 }
 
 TEST(FileOutStream, WritesTheFileByteForByte) {
@@ -281,45 +267,52 @@ TEST(FileOutStream, TakesNothingMoreAfterClose) {
     EXPECT_EQ(folder.readFile("file"), "abc");
 }
 
-// Whatever is written to this device finds the disk full.
-constexpr const char* fullDevice = "/dev/full";
-const std::string fullMessage = "Error writing file '/dev/full': No space left on device.";
+class FileOutStreamFault : public testing::Test {
+protected:
+    [[nodiscard]] kel::CPath getPath() const { return file_->getPath(); }
+    [[nodiscard]] std::string getMessage() const {
+        return "Error writing file " + quote(getPath()) + ": " + file_->getReason() + ".";
+    }
 
-TEST(FileOutStream, ReportsAWriteErrorFromThenOn) {
+private:
+    std::unique_ptr<CRefusingFile> file_ = makeUnwritableFile();
+};
+
+TEST_F(FileOutStreamFault, IsReportedFromThenOn) {
     const CLogCapture log;
     {
-        kel::CFileOutStream stream(fullDevice, Mode::Replace);
+        kel::CFileOutStream stream(getPath(), Mode::Replace);
         const std::string large(1'000'000, 'x');
-        EXPECT_EQ(getErrorMessage([&] { stream.write(large.data(), large.size()); }), fullMessage);
-        EXPECT_EQ(getErrorMessage([&] { stream.write("x", 1); }), fullMessage);
-        EXPECT_EQ(getErrorMessage([&] { stream.flush(); }), fullMessage);
-        EXPECT_EQ(getErrorMessage([&] { stream.close(); }), fullMessage);
+        EXPECT_EQ(getErrorMessage([&] { stream.write(large.data(), large.size()); }), getMessage());
+        EXPECT_EQ(getErrorMessage([&] { stream.write("x", 1); }), getMessage());
+        EXPECT_EQ(getErrorMessage([&] { stream.flush(); }), getMessage());
+        EXPECT_EQ(getErrorMessage([&] { stream.close(); }), getMessage());
         EXPECT_EQ(getErrorMessage([&] { stream.close(); }), "no error") << "a second call does nothing";
     }
     EXPECT_THAT(log.getLines(), IsEmpty());
 }
 
-TEST(FileOutStream, ReportsAWriteErrorOnFlush) {
+TEST_F(FileOutStreamFault, IsReportedOnFlush) {
     const CLogCapture log;
     {
-        kel::CFileOutStream stream(fullDevice, Mode::Replace);
+        kel::CFileOutStream stream(getPath(), Mode::Replace);
         stream.write("x", 1);
-        EXPECT_EQ(getErrorMessage([&] { stream.flush(); }), fullMessage);
+        EXPECT_EQ(getErrorMessage([&] { stream.flush(); }), getMessage());
     }
     EXPECT_THAT(log.getLines(), IsEmpty()) << "the caller knows of it already";
 }
 
-TEST(FileOutStream, ReportsAWriteErrorOnClose) {
-    kel::CFileOutStream stream(fullDevice, Mode::Replace);
+TEST_F(FileOutStreamFault, IsReportedOnClose) {
+    kel::CFileOutStream stream(getPath(), Mode::Replace);
     stream.write("x", 1);
-    EXPECT_EQ(getErrorMessage([&] { stream.close(); }), fullMessage);
+    EXPECT_EQ(getErrorMessage([&] { stream.close(); }), getMessage());
 }
 
-TEST(FileOutStream, LogsAWriteErrorThatOnlyTheDestructorMeets) {
+TEST_F(FileOutStreamFault, IsLoggedIfOnlyTheDestructorMeetsIt) {
     const CLogCapture log;
-    { kel::CFileOutStream(fullDevice, Mode::Replace).write("x", 1); }
+    { kel::CFileOutStream(getPath(), Mode::Replace).write("x", 1); }
     EXPECT_THAT(log.getLines(),
-                ElementsAre("error: Exception in destructor of CFileOutStream (ignored).: " + fullMessage));
+                ElementsAre("error: Exception in destructor of CFileOutStream (ignored).: " + getMessage()));
 }
 
 } // namespace

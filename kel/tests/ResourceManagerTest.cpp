@@ -1,5 +1,6 @@
 #include "kel/ResourceManager.h"
 
+#include "SystemFiles.h"
 #include "TempFolder.h"
 
 #include <gmock/gmock.h>
@@ -116,15 +117,15 @@ TEST_F(ResourceManager, ServesSeveralThreads) {
 }
 
 TEST(ResourceManagerDefaults, LieBesideTheProgramAndThisLibrary) {
-    const std::filesystem::path program = std::filesystem::canonical("/proc/self/exe");
+    const std::filesystem::path program = getProgramPath();
     const std::vector<std::string> folders = toTexts(kel::CResourceManager().getFolders());
     ASSERT_EQ(folders.size(), 3U);
     EXPECT_EQ(folders[0], (program.parent_path() / "resources").string());
-    EXPECT_EQ(folders[1], (program.parent_path() / "../share").string());
+    EXPECT_EQ(folders[1], (program.parent_path() / ".." / "share").string());
     const std::filesystem::path besideLibrary = folders[2];
     EXPECT_EQ(besideLibrary.filename(), "resources");
     EXPECT_TRUE(besideLibrary.is_absolute());
-    EXPECT_TRUE(std::filesystem::exists(besideLibrary.parent_path() / "libkel.so")) << folders[2];
+    EXPECT_TRUE(std::filesystem::exists(besideLibrary.parent_path() / KEL_FILE_NAME)) << folders[2];
 }
 
 TEST(ResourceManagerDefaults, OneManagerIsThereForAll) {

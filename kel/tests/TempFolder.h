@@ -7,17 +7,16 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <string>
-
-#include <stdlib.h>
 
 /// An empty folder that goes with all its content when the test is over.
 class CTempFolder {
 public:
     CTempFolder() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "kel-test-XXXXXX").string();
-        if (!::mkdtemp(pattern.data())) throw std::filesystem::filesystem_error("mkdtemp", std::error_code());
-        path_ = pattern;
+        std::random_device random;
+        do path_ = std::filesystem::temp_directory_path() / ("kel-test-" + std::to_string(random()));
+        while (!std::filesystem::create_directory(path_));
     }
     CTempFolder(const CTempFolder&) = delete;
     CTempFolder& operator=(const CTempFolder&) = delete;
@@ -32,13 +31,18 @@ public:
     [[nodiscard]] kel::CPath operator/(const char* name) const { return getPath() / name; }
 
     void writeFile(const char* name, const std::string& content) const {
-        std::ofstream(path_ / name, std::ios::binary) << content;
+        std::ofstream(at(name), std::ios::binary) << content;
     }
     [[nodiscard]] std::string readFile(const char* name) const {
-        std::ifstream file(path_ / name, std::ios::binary);
+        std::ifstream file(at(name), std::ios::binary);
         return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     }
 
 private:
+    /// By a name in UTF-8.
+    [[nodiscard]] std::filesystem::path at(const char* name) const {
+        return path_ / kel::CPath(kel::String(name)).toStdPath();
+    }
+
     std::filesystem::path path_;
 };

@@ -1,6 +1,7 @@
 #include "Platform.h"
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <locale.h>
 #include <string>
@@ -126,5 +127,7 @@ int waitForSockets(int socketCount, fd_set* read, fd_set* write, fd_set* excepti
     const int ready = ::select(socketCount, read, write, exception, timeoutMs < 0 ? nullptr : &timeout);
     return ready < 0 && errno == EINTR ? 0 : ready;
 }
+
+bool callAtExit(void (*function)()) noexcept { return std::atexit(function) == 0; }
 
 } // namespace kel::platform

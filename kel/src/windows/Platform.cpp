@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <iterator>
 #include <string>
 
@@ -152,6 +153,16 @@ int waitForSockets(int socketCount, fd_set* read, fd_set* write, fd_set* excepti
     timeout.tv_sec = static_cast<long>(timeoutMs / 1000);
     timeout.tv_usec = static_cast<long>(timeoutMs % 1000 * 1000);
     return ::select(socketCount, read, write, exception, timeoutMs < 0 ? nullptr : &timeout);
+}
+
+bool callAtExit(void (*function)()) noexcept {
+    // std::atexit() of a DLL puts the call off until the DLL is unloaded, when the other threads are gone already and
+    // the program's static objects, too. This list is the process's; the DLL has to stay for it.
+    HMODULE module = nullptr;
+    constexpr DWORD flags = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN;
+    const auto address = reinterpret_cast<const wchar_t*>(reinterpret_cast<const void*>(&callAtExit));
+    if (!::GetModuleHandleExW(flags, address, &module)) return false;
+    return ::_onexit(reinterpret_cast<_onexit_t>(reinterpret_cast<void*>(function))) != nullptr;
 }
 
 } // namespace kel::platform
