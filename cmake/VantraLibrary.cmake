@@ -69,6 +69,8 @@ target_include_directories(vantra_objects
     PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
 target_link_libraries(vantra_objects PUBLIC kel CURL::libcurl PRIVATE sigil vantra_warnings)
 if(WIN32)
+    # Who links the objects themselves must not look for them in the DLL.
+    target_compile_definitions(vantra_objects INTERFACE VANTRA_STATIC)
     target_link_libraries(vantra_objects PUBLIC winhttp)
 else()
     target_link_libraries(vantra_objects PUBLIC ${CMAKE_DL_LIBS})
@@ -77,12 +79,18 @@ set_target_properties(vantra_objects PROPERTIES POSITION_INDEPENDENT_CODE ON)
 
 # The version script keeps instantiations of other libraries' templates from being exported along with ours.
 add_library(vantra SHARED)
-target_link_libraries(vantra PRIVATE vantra_objects sigil PUBLIC kel CURL::libcurl)
+target_link_libraries(vantra PRIVATE vantra_objects sigil PUBLIC kel)
 target_include_directories(vantra PUBLIC
     $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include>
     $<BUILD_INTERFACE:${CMAKE_BINARY_DIR}/include>)
 set_target_properties(vantra PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
-if(NOT WIN32)
+if(WIN32)
+    # libcurl is inside of the DLL. Its callers need the headers alone.
+    target_link_libraries(vantra PRIVATE CURL::libcurl)
+    target_include_directories(vantra SYSTEM PUBLIC $<BUILD_INTERFACE:${CURL_INCLUDE_DIRS}>)
+    vantra_add_version_resource(vantra "${PROJECT_DESCRIPTION}")
+else()
+    target_link_libraries(vantra PUBLIC CURL::libcurl)
     target_link_options(vantra PRIVATE -Wl,--version-script=${CMAKE_CURRENT_SOURCE_DIR}/cmake/vantra.map)
     set_target_properties(vantra PROPERTIES LINK_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/cmake/vantra.map)
 endif()

@@ -1,0 +1,51 @@
+# What only builds for Windows need.
+
+enable_language(RC)
+
+# A DLL has the plain name: vantra.dll. The import library keeps its prefix.
+set(CMAKE_SHARED_LIBRARY_PREFIX "")
+
+# How many sockets a set for select() holds, 64 without this. Not below the number that libcurl was built with (see
+# scripts/windows-deps.sh), since libcurl fills the sets.
+add_compile_definitions(FD_SETSIZE=1024)
+
+# Names from the Windows headers that would stand for something else in ours.
+add_compile_definitions(WIN32_LEAN_AND_MEAN NOMINMAX)
+
+# vantra_gather_shipped_dlls(): sets VANTRA_SHIPPED_DLLS to the DLLs of the compiler and of wxWidgets that ours need, and
+# puts them beside the programs of the build.
+function(vantra_gather_shipped_dlls)
+    set(dlls "")
+    foreach(name IN ITEMS libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
+        execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
+            OUTPUT_VARIABLE dll OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+        if(NOT IS_ABSOLUTE "${dll}")
+            message(FATAL_ERROR "The compiler's ${name} was not found.")
+        endif()
+        list(APPEND dlls ${dll})
+    endforeach()
+    foreach(target IN LISTS wxWidgets_LIBRARIES)
+        if(TARGET ${target})
+            get_target_property(dll ${target} LOCATION)
+            list(APPEND dlls ${dll})
+        endif()
+    endforeach()
+    file(COPY ${dlls} DESTINATION ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
+    set(VANTRA_SHIPPED_DLLS ${dlls} PARENT_SCOPE)
+endfunction()
+
+# vantra_add_version_resource(TARGET DESCRIPTION): what Windows shows of a DLL or a program.
+function(vantra_add_version_resource target description)
+    set(VANTRA_FILE_NAME $<TARGET_FILE_NAME:${target}>)
+    set(VANTRA_FILE_DESCRIPTION ${description})
+    get_target_property(type ${target} TYPE)
+    if(type STREQUAL EXECUTABLE)
+        set(VANTRA_FILE_TYPE VFT_APP)
+    else()
+        set(VANTRA_FILE_TYPE VFT_DLL)
+    endif()
+    configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc.in @ONLY)
+    file(GENERATE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc
+        INPUT ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc.in)
+    target_sources(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
+endfunction()
