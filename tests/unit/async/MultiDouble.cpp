@@ -26,7 +26,7 @@ CURLMcode __wrap_curl_multi_fdset(CURLM* multi, fd_set* read, fd_set* write, fd_
                                   int* greatest);
 CURLMcode __wrap_curl_multi_timeout(CURLM* multi, long* milliseconds);
 CURLMsg* __wrap_curl_multi_info_read(CURLM* multi, int* left);
-int __wrap__ZN3kel12CPosixSelect6selectEiP6fd_setS2_S2_l(int count, fd_set* read, fd_set* write,
+int WRAPPED_SELECT(int count, fd_set* read, fd_set* write,
                                                          fd_set* exception, kel::int64 milliseconds);
 bool __wrap__ZNK3kel7CSignal4waitEi(const kel::CSignal* signal, int milliseconds);
 }
@@ -184,7 +184,7 @@ CURLMcode MultiDouble::onPerform(int* running) {
 CURLMcode MultiDouble::onSockets(fd_set* read, int* greatest) {
     const std::lock_guard lock(mutex_);
     *greatest = socket_;
-    if (socket_ >= 0) FD_SET(socket_, read);
+    if (socket_ >= 0) FD_SET(static_cast<curl_socket_t>(socket_), read);
     return takeFailure("fdset");
 }
 
@@ -243,10 +243,10 @@ CURLMcode __wrap_curl_multi_timeout(CURLM*, long* milliseconds) {
 
 CURLMsg* __wrap_curl_multi_info_read(CURLM*, int* left) { return MultiDouble::getActive()->onMessage(left); }
 
-int __wrap__ZN3kel12CPosixSelect6selectEiP6fd_setS2_S2_l(int count, fd_set* read, fd_set*, fd_set*,
+int WRAPPED_SELECT(int count, fd_set* read, fd_set*, fd_set*,
                                                          kel::int64 milliseconds) {
     // Only what is in the set counts as watched.
-    const bool isWatched = FD_ISSET(count - 1, read) != 0;
+    const bool isWatched = FD_ISSET(static_cast<curl_socket_t>(count - 1), read) != 0;
     MultiDouble::getActive()->note("select " + std::to_string(isWatched ? count : 0) + " " +
                                    std::to_string(milliseconds));
     kel::threadYield(true);
