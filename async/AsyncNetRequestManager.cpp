@@ -12,6 +12,7 @@
 namespace vantra {
 
 using kel::CError;
+using kel::CInvalidArgError;
 using kel::CPosixSelect;
 using kel::CThread;
 using kel::P;
@@ -40,9 +41,11 @@ CAsyncNetRequestManager::~CAsyncNetRequestManager() {
     } catch (...) {
         kel::onExceptionInDestructorIgnored("vantra::CAsyncNetRequestManager");
     }
+    handle_.reset(); // lets go of what is still attached, before its owners may go
 }
 
 void CAsyncNetRequestManager::addRequest(CNetRequest* request) {
+    if (!request) throw CInvalidArgError("CAsyncNetRequestManager::addRequest", "request must not be null");
     request->setAsyncInfo(false, CURLE_OK);
     throwIfFailed(curl_multi_add_handle(handle_.get(), request->getHandle()));
     try {
@@ -102,8 +105,8 @@ void CAsyncNetRequestManager::waitForEvents(int timeoutMs) {
 int CAsyncNetRequestManager::handleEvents(TArray<P<CNetRequest>>* finished) {
     int running = 0;
     const CURLMcode result = curl_multi_perform(handle_.get(), &running);
+    if (result != CURLM_CALL_MULTI_PERFORM) throwIfFailed(result);
     callMultiPerform_ = result == CURLM_CALL_MULTI_PERFORM;
-    if (!callMultiPerform_) throwIfFailed(result);
     return running == getRequestCount() ? 0 : handleFinishedRequests(finished);
 }
 

@@ -4,6 +4,7 @@
 
 namespace vantra {
 
+using kel::CInvalidArgError;
 using kel::CMutexLock;
 using kel::P;
 
@@ -37,6 +38,7 @@ CAsyncNetRequestThread::~CAsyncNetRequestThread() {
 }
 
 void CAsyncNetRequestThread::addRequest(CNetRequest* request) {
+    if (!request) throw CInvalidArgError("CAsyncNetRequestThread::addRequest", "request must not be null");
     const CMutexLock lock(addMutex_);
     addQueue_.push_back(request);
 }

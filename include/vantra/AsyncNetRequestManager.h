@@ -50,10 +50,12 @@ public:
     /// Takes every remaining request away, last to first, without marking it done.
     ~CAsyncNetRequestManager() override;
 
-    /// Marks the request as running and attaches it.
-    /// @throws CCURLError of the domain "curlm", such as for a request that is attached already.
+    /// Marks the request as running and attaches it. When it throws, the request is not attached by this
+    /// call.
+    /// @throws kel::CInvalidArgError "request must not be null"; what rewinding the request's source throws;
+    /// CCURLError of the domain "curlm", such as for a request that is attached already.
     void addRequest(CNetRequest* request) override;
-    /// @throws CCURLError of the domain "curlm"; the request is still attached then.
+    /// False for null. @throws CCURLError of the domain "curlm"; the request is still attached then.
     bool removeRequest(CNetRequest* request) override;
     /// Removes every request, last to first. @throws CCURLError as removeRequest.
     void removeAllRequests();

@@ -23,8 +23,12 @@ namespace vantra {
 /// stops it with the operations of kel::CThread. libcurl's callbacks, done listeners and the progress handler
 /// run on it.
 ///
-/// An error of libcurl's multi interface, or one thrown while a request is attached, ends the thread (see
-/// kel::CThread::getRunError); its requests are then detached without being marked done.
+/// An error of libcurl's multi interface, or one thrown while a request is attached, by the progress handler
+/// or by what a subclass overrides, ends the thread (see kel::CThread::getRunError); its requests are then
+/// detached without being marked done. onThreadExit() is not called then.
+///
+/// A subclass that overrides what the thread calls must call stop(true) in its own destructor, since its part
+/// of the object goes before the destructor of this class stops the thread.
 ///
 /// Thread safety: any thread may call any public member.
 class VANTRA_API CAsyncNetRequestThread : public kel::CThread, public virtual IAsyncNetRequestManager {
@@ -45,14 +49,19 @@ public:
     ~CAsyncNetRequestThread() override;
 
     /// Hands a request over; the worker starts it within about 100 ms. Until then isAsyncDone() tells of its
-    /// last transfer. Of several requests handed over between two turns the last is started first.
+    /// last transfer. Of several requests handed over between two turns the last is started first. On a
+    /// thread that was not started it waits for the start; on one that has ended it is never started, and is
+    /// let go of with the thread object.
+    /// @throws kel::CInvalidArgError "request must not be null".
     void addRequest(CNetRequest* request) override;
     /// Has the worker detach a request, and waits until it has. True when it was running; false when it was
     /// not (finished, never added, or so lately added that the worker had yet to start it, which it then does
-    /// all the same), when the thread does not run, and always when called on the worker itself, which
-    /// detaches the request on its next turn.
+    /// all the same), when the thread does not run (one that is started later then detaches the request in
+    /// its first turn), and always when called on the worker itself, which detaches the request on its next
+    /// turn.
+    /// @param request null for every request that runs; true then, even if there was none.
     bool removeRequest(CNetRequest* request) override;
-    /// removeRequest() for every request.
+    /// removeRequest(nullptr).
     void removeAllRequests();
 
 protected:
@@ -60,6 +69,8 @@ protected:
     class CRemoveRequest;
 
     void runImpl() override;
+    /// Called on the worker when its loop has ended, while the manager and its requests are still there. The
+    /// default does nothing.
     void onThreadExit() override;
     /// Carries out the removal orders that have come in.
     void processRemoveRequests(CAsyncNetRequestManager& manager);

@@ -35,4 +35,16 @@ private:
     std::atomic<int>& alive_;
 };
 
+/// Notes its end among the calls.
+class CNotingRequest : public CTestRequest {
+public:
+    explicit CNotingRequest(MultiDouble& multi) : multi_(multi) {}
+    CNotingRequest(const CNotingRequest&) = delete;
+    CNotingRequest& operator=(const CNotingRequest&) = delete;
+    ~CNotingRequest() override { multi_.note("gone"); }
+
+private:
+    MultiDouble& multi_;
+};
+
 } // namespace vantra::test

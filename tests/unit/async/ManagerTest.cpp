@@ -93,6 +93,27 @@ TEST_F(Manager, DoesNotHoldARequestThatCouldNotBeAttached) {
     EXPECT_EQ(manager_->getRequestCount(), 1);
 }
 
+TEST_F(Manager, TakesNoNullRequest) {
+    multi_.takeCalls();
+    EXPECT_EQ(thrownBy([&] { manager_->addRequest(nullptr); }),
+              invalidArgError("CAsyncNetRequestManager::addRequest", "request must not be null"));
+    EXPECT_EQ(manager_->getRequestCount(), 0);
+    EXPECT_THAT(multi_.takeCalls(), IsEmpty());
+}
+
+TEST_F(Manager, DoesNotAttachARequestWhoseSourceCannotBeRewound) {
+    const P<CRecordingSource> source = new CRecordingSource("hello");
+    source->position = 3;
+    source->seeks.failAt(1, [] { throw kel::CError("no way back"); });
+    first_->setSendDataSource(source);
+    multi_.takeCalls();
+    EXPECT_EQ(thrownBy([&] { manager_->addRequest(first_); }), plainError("no way back"));
+    EXPECT_EQ(manager_->getRequestCount(), 0);
+    EXPECT_THAT(multi_.takeCalls(), IsEmpty());
+    manager_->addRequest(first_);
+    EXPECT_THAT(multi_.takeCalls(), ElementsAre("add first"));
+}
+
 TEST_F(Manager, SaysThatARequestWasNotAttached) {
     manager_->addRequest(first_);
     multi_.takeCalls();
@@ -173,6 +194,18 @@ TEST_F(Manager, GoesAlthoughARequestCannotBeDetached) {
     EXPECT_THAT(log.getEntries(),
                 ElementsAre("error: Exception in destructor of vantra::CAsyncNetRequestManager (ignored). [" +
                             multiError(CURLM_INTERNAL_ERROR).message + "]"));
+}
+
+TEST_F(Manager, LetsGoOfARequestThatCannotBeDetachedOnceLibcurlHas) {
+    const LogCapture log;
+    P<CNotingRequest> request = new CNotingRequest(multi_);
+    multi_.name(*request, "noting");
+    manager_->addRequest(request);
+    request = nullptr;
+    multi_.failNext("remove noting", CURLM_INTERNAL_ERROR);
+    multi_.takeCalls();
+    manager_.reset();
+    EXPECT_THAT(multi_.takeCalls(), ElementsAre("cleanup", "gone"));
 }
 
 } // namespace

@@ -81,6 +81,24 @@ TEST_F(ManagerWait, ReturnsAtOnceWhileLibcurlWantsToGoOn) {
     EXPECT_THAT(multi_.takeCalls(), ElementsAre("perform", "fdset", "timeout", "sleep 50"));
 }
 
+TEST_F(ManagerWait, StillReturnsAtOnceAfterAFailureToPerformMeanwhile) {
+    multi_.failNext("perform", CURLM_CALL_MULTI_PERFORM);
+    manager_.handleEvents(nullptr);
+    multi_.failNext("perform", CURLM_INTERNAL_ERROR);
+    EXPECT_EQ(thrownBy([&] { manager_.handleEvents(nullptr); }), multiError(CURLM_INTERNAL_ERROR));
+    multi_.takeCalls();
+    manager_.waitForEvents(50);
+    EXPECT_THAT(multi_.takeCalls(), IsEmpty());
+}
+
+TEST_F(ManagerWait, WaitsAfterAFailureToPerform) {
+    multi_.failNext("perform", CURLM_INTERNAL_ERROR);
+    EXPECT_EQ(thrownBy([&] { manager_.handleEvents(nullptr); }), multiError(CURLM_INTERNAL_ERROR));
+    multi_.takeCalls();
+    manager_.waitForEvents(50);
+    EXPECT_THAT(multi_.takeCalls(), ElementsAre("fdset", "timeout", "sleep 50"));
+}
+
 TEST_F(ManagerWait, ReportsThatLibcurlCannotNameItsSockets) {
     multi_.takeCalls();
     multi_.failNext("fdset", CURLM_BAD_HANDLE);

@@ -97,6 +97,33 @@ TEST_F(WorkerEnd, EndsWhenARequestCannotBeDetachedAndAnswersTheRemover) {
     EXPECT_FALSE(thread_->removeRequest(first_));
 }
 
+TEST_F(WorkerEnd, EndsWhenTheProgressHandlerThrows) {
+    class CThrowingHandler : public kel::CBase, public CAsyncNetRequestThread::IProgressHandler {
+    public:
+        void handleProgress() override { throw kel::CError("out of patience"); }
+    };
+    thread_ = new CNotingThread(P<CThrowingHandler>(new CThrowingHandler()), multi_);
+    thread_->addRequest(first_);
+    thread_->start();
+    EXPECT_EQ(waitForFailure(), plainError("out of patience"));
+    EXPECT_THAT(multi_.takeCalls(), ElementsAre("init", "add first", "fdset", "timeout", "sleep 100",
+                                                "perform", "remove first", "cleanup"));
+    EXPECT_FALSE(first_->isAsyncDone());
+    EXPECT_THAT(log_.getEntries(),
+                ElementsAre("error: Exception in thread vantra.asyncNetRequest. [out of patience]"));
+}
+
+TEST_F(WorkerEnd, DoesNotStartWhatIsAddedAfterItsEnd) {
+    start();
+    end();
+    multi_.takeCalls();
+    thread_->addRequest(first_);
+    EXPECT_FALSE(thread_->removeRequest(first_));
+    thread_ = nullptr;
+    EXPECT_THAT(multi_.takeCalls(), IsEmpty());
+    EXPECT_FALSE(first_->isAsyncDone());
+}
+
 TEST_F(WorkerEnd, EndsWhenARequestIsAddedTwice) {
     startWithFirst();
     thread_->addRequest(first_);

@@ -70,6 +70,15 @@ TEST_F(Worker, AttachesTheLastOfThoseAddedBetweenTwoTurnsFirst) {
     EXPECT_THAT(multi_.takeHandleCalls(), ElementsAre("add third", "add second", "add first"));
 }
 
+TEST_F(Worker, TakesNoNullRequest) {
+    start();
+    EXPECT_EQ(thrownBy([&] { thread_->addRequest(nullptr); }),
+              invalidArgError("CAsyncNetRequestThread::addRequest", "request must not be null"));
+    turns_->step();
+    EXPECT_TRUE(thread_->isAlive());
+    EXPECT_THAT(multi_.takeHandleCalls(), IsEmpty());
+}
+
 TEST_F(Worker, MarksARequestAsRunningWhenItAttachesIt) {
     first_->setAsyncInfo(true, CURLE_OK);
     start();
