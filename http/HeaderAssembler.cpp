@@ -39,10 +39,17 @@ CHeaderAssembler::CHeaderAssembler(const CHeaderAssembler& other)
       headerComplete_(other.headerComplete_),
       serverInfoToUpdate_(other.serverInfoToUpdate_) {}
 CHeaderAssembler::CHeaderAssembler(CHeaderAssembler&&) noexcept = default;
-CHeaderAssembler& CHeaderAssembler::operator=(const CHeaderAssembler& other) {
-    return *this = CHeaderAssembler(other);
+CHeaderAssembler& CHeaderAssembler::operator=(CHeaderAssembler other) {
+    if (isMapInUse_) other.putMapInUse(); // whoever has looked at the map keeps seeing each line
+    headerMap_ = std::move(other.headerMap_);
+    lastHeaderName_ = std::move(other.lastHeaderName_);
+    waitingText_ = std::move(other.waitingText_);
+    waitingLines_ = std::move(other.waitingLines_);
+    isMapInUse_ = other.isMapInUse_;
+    headerComplete_ = other.headerComplete_;
+    serverInfoToUpdate_ = std::move(other.serverInfoToUpdate_);
+    return *this;
 }
-CHeaderAssembler& CHeaderAssembler::operator=(CHeaderAssembler&&) noexcept = default;
 CHeaderAssembler::~CHeaderAssembler() = default;
 
 void CHeaderAssembler::handleHeaderLine(const String& line) {

@@ -27,8 +27,7 @@ public:
     CHeaderAssembler();
     CHeaderAssembler(const CHeaderAssembler&);
     CHeaderAssembler(CHeaderAssembler&&) noexcept;
-    CHeaderAssembler& operator=(const CHeaderAssembler&);
-    CHeaderAssembler& operator=(CHeaderAssembler&&) noexcept;
+    CHeaderAssembler& operator=(CHeaderAssembler other);
     ~CHeaderAssembler() override;
 
     /// Takes one line, its CR LF included. The line "\r\n" completes the block: the server record is told,
@@ -42,7 +41,7 @@ public:
 
     /// @{
     /// The headers so far. Most responses are never asked: the map is made at the first call, and from then
-    /// on follows each line.
+    /// on follows each line, reset() and assignment.
     [[nodiscard]] kel::TMap<kel::String, kel::String>& getHeaderMap();
     [[nodiscard]] const kel::TMap<kel::String, kel::String>& getHeaderMap() const;
     /// @}

@@ -372,6 +372,29 @@ TEST(HeaderAssembler, MovesEverythingByAssignment) {
     expectGoesOn(assigned, *info);
 }
 
+TEST(HeaderAssembler, HasOneMapThatFollowsAssignment) {
+    CHeaderAssembler assembler;
+    const HeaderMap& map = assembler.getHeaderMap();
+    const CHeaderAssembler original = makeHalfFilled(nullptr);
+    assembler = original;
+    EXPECT_EQ(map, (HeaderMap{{"server", "Srv/1"}}));
+    handleLines(assembler, {" (more)\r\n", "A: 1\r\n"});
+    EXPECT_EQ(map, (HeaderMap{{"server", "Srv/1 (more)"}, {"a", "1"}}));
+    assembler = makeHalfFilled(nullptr);
+    EXPECT_EQ(map, (HeaderMap{{"server", "Srv/1"}}));
+    assembler.handleHeaderLine("B: 2\r\n");
+    EXPECT_EQ(map, (HeaderMap{{"b", "2"}, {"server", "Srv/1"}}));
+    EXPECT_EQ(&assembler.getHeaderMap(), &map);
+}
+
+TEST(HeaderAssembler, MayBeAssignedToItself) {
+    CHeaderAssembler assembler = makeHalfFilled(nullptr);
+    const CHeaderAssembler& same = assembler;
+    assembler = same;
+    assembler.handleHeaderLine(" (more)\r\n");
+    EXPECT_EQ(assembler.getHeaderMap(), (HeaderMap{{"server", "Srv/1 (more)"}}));
+}
+
 TEST(HeaderAssembler, CopiesThatABlockIsComplete) {
     CHeaderAssembler original;
     handleLines(original, {"A: 1\r\n", "\r\n"});
