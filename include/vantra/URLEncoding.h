@@ -3,8 +3,8 @@
 ///
 ///     String url = "https://store.example/find?" + encodeURLParams(params);
 ///
-/// Characters outside ASCII are encoded as the bytes of their UTF-8 form. None of these functions fails on
-/// any text.
+/// Characters outside ASCII are encoded as the bytes of their UTF-8 form, an unpaired surrogate as U+FFFD.
+/// None of these functions fails on any text.
 ///
 /// Thread safety: any thread may call any of them.
 #pragma once

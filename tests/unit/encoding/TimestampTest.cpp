@@ -1,8 +1,11 @@
 #include "vantra/HeaderValues.h"
 
+#include "CurlSeams.h"
 #include "PlainError.h"
 
 #include <gtest/gtest.h>
+
+#include <cstdint>
 
 namespace {
 
@@ -44,6 +47,18 @@ TEST(Timestamp, IsRejectedWithItsText) {
         expectPlainError([&] { static_cast<void>(parseTimestamp(text)); },
                          "Error parsing timestamp '" + String(text) + "'.");
     }
+}
+
+TEST(Timestamp, IsRejectedWhenLibcurlGivesItsGreatestOrItsErrorValue) {
+    encodingtest::CurlSeams seams;
+    const String text = "Sun, 06 Nov 1994 08:49:37 GMT";
+    for (const std::time_t noDate : {std::time_t{INT64_MAX}, std::time_t{-1}}) {
+        seams.date = noDate;
+        expectPlainError([&] { static_cast<void>(parseTimestamp(text)); },
+                         "Error parsing timestamp '" + text + "'.");
+    }
+    seams.date = 5;
+    EXPECT_EQ(parseTimestamp(text), CTime::fromCTime(5));
 }
 
 TEST(Timestamp, IsRejectedWithTextOutsideASCII) {

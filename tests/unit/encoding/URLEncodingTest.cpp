@@ -80,6 +80,11 @@ TEST(URLEscape, EscapesControlCharactersAndNUL) {
     EXPECT_EQ(urlEscape(String("a\0b\r\n\t\x7f", 7), true), "a%00b%0d%0a%09%7f");
 }
 
+TEST(URLEscape, EscapesAnUnpairedSurrogateAsTheReplacementCharacter) {
+    const wchar_t text[] = {L'a', L' ', 0xD800, L'b'};
+    EXPECT_EQ(urlEscape(String(text, 4), true), "a+%ef%bf%bdb");
+}
+
 TEST(URLEscape, TreatsEveryByteByTheSameRule) {
     for (wchar_t c = 0; c < 0x800; ++c) {
         const String text(&c, 1);
@@ -139,6 +144,11 @@ TEST(URLUnescape, ReplacesIllFormedUTF8) {
     EXPECT_EQ(urlUnescape("%c3", false), String(L"\uFFFD"));
     EXPECT_EQ(urlUnescape("%c3x", false), String(L"\uFFFDx"));
     EXPECT_EQ(urlUnescape("%e2%82%", false), String(L"\uFFFD%"));
+}
+
+TEST(URLUnescape, ReplacesAnUnpairedSurrogate) {
+    const wchar_t text[] = {0xDC00, L'%', L'4', L'1'};
+    EXPECT_EQ(urlUnescape(String(text, 4), false), String(L"\uFFFDA"));
 }
 
 TEST(URLUnescape, KeepsCharactersOutsideASCII) {
