@@ -27,13 +27,15 @@ String makeURL(const CSMTPParams& params) {
     return scheme + ("://" + params.getHost() + ":" + String::fromInt(params.getPort()));
 }
 
-void checkRecipients(const TArray<String>& recipients, const char* function) {
+bool hasNUL(const String& text) { return text.find(L'\0') != String::npos; }
+
+void checkEnvelope(const String& from, const TArray<String>& recipients, const char* function) {
+    // libcurl would take such a text only up to the NUL, and so another address.
+    if (hasNUL(from)) throw CInvalidArgError(function, "sender contains a NUL character");
     // Without any, libcurl sends another command in place of the mail, and reports success.
     if (recipients.empty()) throw CInvalidArgError(function, "no recipients given");
-    // libcurl would take such a text only up to the NUL, and so another recipient.
     for (const String& recipient : recipients)
-        if (recipient.find(L'\0') != String::npos)
-            throw CInvalidArgError(function, "recipient contains a NUL character");
+        if (hasNUL(recipient)) throw CInvalidArgError(function, "recipient contains a NUL character");
 }
 
 } // namespace
@@ -46,7 +48,7 @@ CSMTPClient::~CSMTPClient() = default;
 
 void CSMTPClient::sendMail(const String& from, const TArray<String>& recipients,
                            const TBuffer<unsigned char>& message) {
-    checkRecipients(recipients, "CSMTPClient::sendMail");
+    checkEnvelope(from, recipients, "CSMTPClient::sendMail");
     // Not a reference to the buffer, which need not be on the heap; doPerform() lets go of the stream.
     const P<IInStream> data = new CMemoryInStream(message.getData(), message.getUsed());
     initRequestForSendMail(*request_, from, recipients, data);
@@ -63,7 +65,7 @@ void CSMTPClient::testConnection() {
 void CSMTPClient::makeSendMailRequest(CNetRequest& request, const CSMTPParams& params, const String& from,
                                       const TArray<String>& recipients, IInStream* data) {
     constexpr const char* function = "CSMTPClient::makeSendMailRequest";
-    checkRecipients(recipients, function);
+    checkEnvelope(from, recipients, function);
     if (!data) throw CInvalidArgError(function, "data must not be null");
     const P<IInStream> kept = data; // the request may hold its last reference, which the reset gives back
     doInitialRequestInit(request, params);

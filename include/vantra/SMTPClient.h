@@ -84,6 +84,8 @@ private:
 class VANTRA_API CSMTPClient : public kel::CBase {
 public:
     /// Keeps a copy of the parameters. Nothing is sent.
+    /// @throws kel::CInvalidArgError "text contains a NUL character" if the host or the login does; what
+    /// CNetRequest's constructor throws.
     explicit CSMTPClient(const CSMTPParams& params);
     CSMTPClient(const CSMTPClient&) = delete;
     CSMTPClient& operator=(const CSMTPClient&) = delete;
@@ -96,8 +98,8 @@ public:
     /// until the client goes.
     /// @param message the stored text, header block included (CMimeMessage::store), with CR LF as line ends.
     /// It is read in place. A last line without CR LF gets one.
-    /// @throws kel::CInvalidArgError "no recipients given" and "recipient contains a NUL character", before
-    /// anything is sent; CCURLError.
+    /// @throws kel::CInvalidArgError "sender contains a NUL character", "no recipients given" and "recipient
+    /// contains a NUL character", before anything is sent; CCURLError.
     void sendMail(const kel::String& from, const kel::TArray<kel::String>& recipients,
                   const kel::TBuffer<unsigned char>& message);
 
@@ -106,9 +108,11 @@ public:
     void testConnection();
 
     /// Makes any request one that sends a mail, for the asynchronous thread: it is reset, set up as the
-    /// client sets up its own, and then the caller's to perform.
+    /// client sets up its own, and then the caller's to perform, once or more often. The list of recipients
+    /// is kept until the request goes.
     /// @param data the stored message, read from its start; a reference is kept.
-    /// @throws kel::CInvalidArgError as sendMail, and "data must not be null", with the request as it was.
+    /// @throws kel::CInvalidArgError as sendMail, and "data must not be null", with the request as it was; as
+    /// the constructor for the parameters, with the request reset.
     static void makeSendMailRequest(CNetRequest& request, const CSMTPParams& params, const kel::String& from,
                                     const kel::TArray<kel::String>& recipients, kel::IInStream* data);
 

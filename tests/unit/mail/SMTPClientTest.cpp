@@ -191,6 +191,31 @@ TEST_F(SMTPClient, SendsNothingToARecipientWithANUL) {
     EXPECT_THAT(curl_.takeCalls(), ElementsAre());
 }
 
+TEST_F(SMTPClient, SendsNothingFromASenderWithANUL) {
+    const P<CSMTPClient> client = new CSMTPClient(makeParams(25, Params::ConnectTypeUnencrypted));
+    curl_.takeCalls();
+    const String from = String(L"a@b.c\0x", 7);
+    EXPECT_EQ(thrownBy([&] { client->sendMail(from, {"d@e.f"}, *makeBuffer("x")); }),
+              invalidArgError("CSMTPClient::sendMail", "sender contains a NUL character"));
+    EXPECT_THAT(curl_.takeCalls(), ElementsAre());
+}
+
+TEST_F(SMTPClient, IsNotMadeOfAHostOrALoginWithANUL) {
+    const String withNUL = String(L"mail\0x", 6);
+    for (const Params& params : {Params(withNUL, 25, Params::ConnectTypeUnencrypted, "", ""),
+                                 Params("h", 25, Params::ConnectTypeUnencrypted, withNUL, ""),
+                                 Params("h", 25, Params::ConnectTypeUnencrypted, "jane", withNUL)}) {
+        EXPECT_EQ(thrownBy([&] { const P<CSMTPClient> client = new CSMTPClient(params); }),
+                  invalidArgError("CNetRequest::setOptionString", "text contains a NUL character"));
+    }
+}
+
+TEST_F(SMTPClient, DoesNotLookAtThePasswordWithoutALogin) {
+    const String withNUL = String(L"s\0", 2);
+    EXPECT_THAT(initialCalls(Params("h", 25, Params::ConnectTypeUnencrypted, "", withNUL)),
+                ElementsAre("URL = \"smtp://h:25\"", "SSL_VERIFYPEER = 0"));
+}
+
 TEST_F(SMTPClient, MakesAnyRequestOneThatSendsAMail) {
     const P<CNetRequest> request = new CNetRequest();
     request->setHTTPMethod("POST");
@@ -233,7 +258,10 @@ TEST_F(SMTPClient, LeavesARequestAloneThatCannotBecomeAMail) {
     const std::string function = "CSMTPClient::makeSendMailRequest";
     EXPECT_EQ(thrownBy([&] { CSMTPClient::makeSendMailRequest(*request, params, "a@b.c", {}, data); }),
               invalidArgError(function, "no recipients given"));
-    const TArray<String> recipients{String(L"a\0", 2)};
+    const String withNUL = String(L"a\0", 2);
+    EXPECT_EQ(thrownBy([&] { CSMTPClient::makeSendMailRequest(*request, params, withNUL, {"d@e.f"}, data); }),
+              invalidArgError(function, "sender contains a NUL character"));
+    const TArray<String> recipients{withNUL};
     EXPECT_EQ(
         thrownBy([&] { CSMTPClient::makeSendMailRequest(*request, params, "a@b.c", recipients, data); }),
         invalidArgError(function, "recipient contains a NUL character"));

@@ -76,6 +76,9 @@ TEST(SMTPParams, ReadNoOtherNameOfAConnectType) {
             thrownBy([&] { (void)Params::connectTypeToInt(text); }),
             invalidArgError("CSMTPParams::connectTypeToInt", std::string("invalid connect type: ") + text));
     }
+    EXPECT_EQ(
+        thrownBy([] { (void)Params::connectTypeToInt(kel::String("ssl\0", 4)); }),
+        invalidArgError("CSMTPParams::connectTypeToInt", std::string("invalid connect type: ssl\0", 26)));
 }
 
 } // namespace
