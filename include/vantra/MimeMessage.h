@@ -52,7 +52,8 @@ public:
     /// Writes the header block, the empty line and the body. @throws what `out` throws, here and below.
     virtual void store(kel::IOutStream& out) const;
     /// Writes each field as a line that CR LF ends, then an empty line, in Latin-1. A value that is not all
-    /// ASCII is written as toEncodedWord() gives it; other lines are not folded, however long.
+    /// ASCII is written as toEncodedWord() gives it; other lines are not folded, however long. In a name "?"
+    /// stands for each character that Latin-1 lacks.
     virtual void storeHeader(kel::IOutStream& out) const;
     /// Writes the body's bytes; nothing without a body.
     virtual void storeBody(kel::IOutStream& out) const;

@@ -122,6 +122,12 @@ TEST(MimeMessage, WritesANameInLatin1) {
     EXPECT_EQ(storeMessage(*message), "MIME-Version: 1.0\r\nX-\xe9: v\r\n\r\n");
 }
 
+TEST(MimeMessage, WritesAQuestionMarkForWhatLatin1LacksInAName) {
+    const P<CMimeMessage> message = new CMimeMessage("");
+    message->getHeaders()["X-\u20ac\U0001F600"] = "v";
+    EXPECT_EQ(storeMessage(*message), "MIME-Version: 1.0\r\nX-??: v\r\n\r\n");
+}
+
 TEST(MimeMessage, KeepsTheLineBreakThatAValueHolds) {
     const P<CMimeMessage> message = new CMimeMessage("");
     message->getHeaders()["Subject"] = "a\r\n b";
