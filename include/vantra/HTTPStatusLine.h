@@ -1,5 +1,7 @@
 /// @file vantra/HTTPStatusLine.h
 /// Splits an HTTP status line (RFC 9112 §4).
+///
+/// Thread safety: any thread may call any of them.
 #pragma once
 
 #include "vantra/Export.h"
@@ -9,7 +11,8 @@
 namespace vantra {
 
 /// Gives the status code, the text between the first and the second blank as a number, and the reason, which
-/// is the trimmed rest. "HTTP/2 200" gives 200 and "".
+/// is the trimmed rest. "HTTP/2 200" gives 200 and "". Any integer counts as a code, of one that is too large
+/// for an `int` the lower 32 bits.
 /// @throws kel::CError "Invalid HTTP status line: 'LINE'" when the line does not start with "HTTP/" (in any
 /// case) or holds no blank; kel::parseInt64's error when the code is no integer. The outputs are unchanged
 /// then.

@@ -16,7 +16,9 @@
 
 namespace vantra {
 
-/// An ordered list of header lines "Name: value". Making one starts the library (CGlobalInit).
+/// An ordered list of header lines "Name: value", in UTF-8 as CNetStringList keeps them. White space is what
+/// kel::isWhiteSpace says, and lower-casing changes ASCII letters only. Making one starts the library
+/// (CGlobalInit).
 ///
 /// Thread safety: a collection and its iterators belong to one thread at a time.
 class VANTRA_API CNetHeaders : public kel::CBase {
@@ -27,9 +29,10 @@ public:
     CNetHeaders& operator=(const CNetHeaders&) = delete;
     ~CNetHeaders() override;
 
-    /// Appends the line "name: value", both trimmed of white space at their ends. Nothing is checked: a name
-    /// that is empty or holds ":" only fails when the line is split. A value that is empty makes libcurl
-    /// leave the header out of the request (or suppress its own header of that name).
+    /// Appends the line "name: value", both trimmed of white space at their ends. Nothing is checked: an
+    /// empty name only fails when the line is split, one that holds ":" is split at it, and the line ends at
+    /// its first NUL character. A value that is empty makes libcurl leave the header out of the request (or
+    /// suppress its own header of that name).
     void add(const kel::String& name, const kel::String& value);
 
     /// The lines, still owned by this object; null when there are none (CURLOPT_HTTPHEADER).
@@ -66,8 +69,9 @@ public:
     CIterator& operator=(CIterator&&) = default;
     ~CIterator() override;
 
-    /// Goes to the first field, then to each next one; false at the end.
-    /// @throws kel::CInvalidArgError as CNetHeaders::splitEntry.
+    /// Goes to the first field, then to each next one; false at the end, with name and value empty.
+    /// @throws kel::CInvalidArgError as CNetHeaders::splitEntry, with name and value as before; the following
+    /// next() goes on behind the bad line.
     bool next();
     /// Lets the following next() visit the first field again; name and value stay until then.
     void reset() { lines_.reset(); }

@@ -18,7 +18,8 @@ struct curl_slist;
 
 namespace vantra {
 
-/// An ordered list of lines, kept as UTF-8 in a libcurl `curl_slist`.
+/// An ordered list of lines, kept as UTF-8 in a libcurl `curl_slist`. What is no character on the way in or
+/// out (an unpaired surrogate, bytes that are no UTF-8) shows as U+FFFD.
 ///
 /// Thread safety: a list and its iterators belong to one thread at a time.
 class VANTRA_API CNetStringList : public kel::CBase {

@@ -87,7 +87,9 @@ public:
 protected:
     /// A new instance on which initFromUserSettings() has run.
     [[nodiscard]] static kel::P<CProxySettings> createAndInitFromUserSettings();
-    /// Lets go of the process's instance. Run by the base library at the end of the process.
+    /// Lets go of the process's instance, and does nothing where there is none. Run by the base library at
+    /// the end of the process (kel::CSafeGlobalDisposer): before whatever was to be let go of when the
+    /// instance was made, and before the destructors of static objects that were complete then.
     static void disposeUserSettings();
     /// initFromUserSettings() with what the operating system said.
     void initFromSystemProxy(const CSystemProxy& proxy);

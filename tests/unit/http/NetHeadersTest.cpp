@@ -350,6 +350,8 @@ TEST(NetHeadersIterator, GoesOnAfterABadLine) {
     const P<CNetHeaders::CIterator> fields = headers.createIterator();
     EXPECT_TRUE(fields->next());
     expectSplitError([&] { fields->next(); }, "name is empty");
+    EXPECT_EQ(fields->getName(), "A");
+    EXPECT_EQ(fields->getValue(), "1");
     EXPECT_EQ(fieldsOf(*fields), (Fields{{"B", "2"}}));
 }
 

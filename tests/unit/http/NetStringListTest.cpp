@@ -97,6 +97,15 @@ TEST(NetStringList, ShowsReplacementCharactersForBytesThatAreNoUTF8) {
     EXPECT_EQ(entriesOf(*list.createIterator()), (std::vector<String>{String(L"caf\uFFFD au lait")}));
 }
 
+TEST(NetStringList, StoresAnUnpairedSurrogateAsTheReplacementCharacter) {
+    CNetStringList list;
+    const wchar_t text[] = {L'a', 0xD800, L'b'};
+    list.add(String(text, 3));
+    EXPECT_EQ(nodesOf(list), (std::vector<std::string>{"a\xEF\xBF\xBD"
+                                                       "b"}));
+    EXPECT_EQ(entriesOf(*list.createIterator()), (std::vector<String>{String(L"a\uFFFDb")}));
+}
+
 TEST(NetStringList, EndsALineAtItsFirstNUL) {
     CNetStringList list;
     list.add(String("before\0after", 12));
