@@ -307,9 +307,8 @@ public:
     void addDependencyObject(const kel::P<kel::IBase>& object);
 
     /// Percent-encodes the text's UTF-8 bytes as libcurl does (`curl_easy_escape`): all but letters, digits,
-    /// "-", ".",
-    /// "_" and "~", with upper-case hexadecimal digits. The free function of that name writes lower-case
-    /// ones.
+    /// "-", ".", "_" and "~", NUL characters included, with upper-case hexadecimal digits. The free function
+    /// of that name writes lower-case ones.
     /// @throws kel::CError "Error URL-escaping a string."
     [[nodiscard]] kel::String urlEscape(const kel::String& text) const;
 

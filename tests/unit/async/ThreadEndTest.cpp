@@ -52,6 +52,41 @@ TEST_F(WorkerEnd, StopsWhenTheObjectGoes) {
     EXPECT_THAT(calls, ElementsAre("exit", "remove first", "cleanup"));
 }
 
+TEST_F(WorkerEnd, StopsWhenItsLastReferenceGoesInADoneListener) {
+    class CMortalThread : public CNotingThread {
+    public:
+        CMortalThread(IProgressHandler* handler, MultiDouble& multi, kel::CSignal& gone)
+            : CNotingThread(handler, multi), gone_(gone) {}
+        CMortalThread(const CMortalThread&) = delete;
+        CMortalThread& operator=(const CMortalThread&) = delete;
+        ~CMortalThread() override {
+            stop(true);
+            gone_.set();
+        }
+
+    private:
+        kel::CSignal& gone_;
+    };
+    kel::CSignal gone;
+    thread_ = new CMortalThread(turns_, multi_, gone);
+    startWithFirst();
+    thread_->addRequest(second_);
+    turns_->step();
+    const P<CRecordingListener> listener = new CRecordingListener();
+    listener->onDone = [&] { thread_ = nullptr; };
+    first_->setDoneListener(listener);
+    multi_.finish("first", CURLE_OK);
+    multi_.takeCalls();
+    turns_->open();
+    ASSERT_TRUE(gone.wait(10000));
+    std::vector<std::string> calls = multi_.takeCalls();
+    ASSERT_GE(calls.size(), 3U);
+    calls.erase(calls.begin(), calls.end() - 3);
+    EXPECT_THAT(calls, ElementsAre("exit", "remove second", "cleanup"));
+    EXPECT_TRUE(first_->isAsyncDone());
+    EXPECT_FALSE(second_->isAsyncDone());
+}
+
 TEST_F(WorkerEnd, LetsGoOfRequestsThatWereNeverAttached) {
     std::atomic<int> alive{0};
     P<CCountedRequest> request = new CCountedRequest(alive);
