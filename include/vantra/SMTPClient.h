@@ -68,10 +68,10 @@ private:
 };
 
 /// Sends mail, one after the other, on a request of its own, which keeps the connection between mails where
-/// the server allows it. What fails is thrown as CCURLError of the domain "smtp" with the server's code and,
-/// as server message, the line by which it refused; the client is ready for the next mail then. The request
-/// has the settings of a new CNetRequest: 30 seconds to connect, and the end of a transfer that stands still
-/// for 60.
+/// the server allows it. What fails is thrown as CCURLError, where the server refused with its reply code
+/// (response code domain "smtp") and, as server message, the line by which it did; the client is ready for
+/// the next mail then. The request has the settings of a new CNetRequest: 30 seconds to connect, and the end
+/// of a transfer that stands still for 60.
 ///
 /// Nobody needs to vouch for the server's certificate (CURLOPT_SSL_VERIFYPEER is off), so that servers with
 /// self-signed ones can be used; it still must name the host. TLS then keeps out those who listen, not those

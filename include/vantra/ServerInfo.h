@@ -49,7 +49,7 @@ private:
 };
 
 /// The products named in a "Server" header value (RFC 9110 §10.2.4), each with its version. The words of a
-/// comment count as products without version.
+/// comment count as products too.
 ///
 /// Thread safety: one thread at a time, or any number of readers.
 class VANTRA_API CHTTPServerHeader : public kel::CBase {
