@@ -102,7 +102,7 @@ int main(int argc, char** argv) try {
                                vantra::CFTPClient::ConnectExplicitTLS);
     CMirror mirror(client);
     mirror.updateFolder(argv[2], kel::CPath(argv[3]).toStdPath());
-    std::cout << mirror.getFetched() << " files fetched\n";
+    std::cout << "files fetched: " << mirror.getFetched() << "\n";
     return 0;
 } catch (const std::exception& error) {
     std::cerr << error.what() << "\n";

@@ -2,11 +2,10 @@
 
 #include <iostream>
 
-int main(int argc, char** argv) try {
+int main(int, char** argv) try {
     const kel::P<vantra::CNetRequest> request = new vantra::CNetRequest();
-    request->setURL(argc > 1 ? argv[1] : "https://www.debian.org/");
+    request->setURL(argv[1]);
     request->perform();
-    std::cout << request->getHTTPStatusLine() << "\n";
     std::cout << request->getDefaultReceiveBuffer()->getUsed() << " bytes\n";
 } catch (const kel::CError& error) {
     std::cerr << error.getMessage() << "\n";

@@ -17,10 +17,11 @@
 #     asan      all tests with the address and undefined behaviour sanitizers
 #     tsan      the tests labelled "threads" with the thread sanitizer
 #     release   builds the product and the benchmarks optimised; each benchmark runs briefly
+#     docs      documents and reference fit the tree; the steps of docs/getting-started.md work
 # shellcheck source=scripts/lib.sh
 . "$(dirname "$0")/lib.sh"
 
-all_steps=(deps format words shell debug headers exports install tidy asan tsan release)
+all_steps=(deps format words shell debug headers exports install tidy asan tsan release docs)
 
 # build_preset PRESET [TARGET...]: all targets if none is named.
 build_preset() {
@@ -65,6 +66,7 @@ step_shell() { scripts/check-shell.sh; }
 step_headers() { scripts/check-headers.sh build/debug; }
 step_exports() { scripts/check-exports.sh build/debug; }
 step_install() { scripts/test-install.sh build/debug; }
+step_docs() { scripts/check-docs.sh; }
 step_tidy() { scripts/check-tidy.py --jobs "$CMAKE_BUILD_PARALLEL_LEVEL" build/debug; }
 
 step_debug() {

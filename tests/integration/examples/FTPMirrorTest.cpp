@@ -1,3 +1,4 @@
+#include "Document.h"
 #include "Example.h"
 
 #include "support/ProftpdServer.h"
@@ -68,18 +69,19 @@ TYPED_TEST(FTPMirror, FetchesATreeAndThenOnlyWhatHasChanged) {
 
     const Outcome first = this->mirror("/tree");
     EXPECT_EQ(first.exitStatus, 0) << first.error;
-    EXPECT_THAT(first.output, testing::EndsWith("\n4 files fetched\n"));
+    EXPECT_THAT(first.output, testing::EndsWith("\nfiles fetched: 4\n"));
     EXPECT_THAT(filesIn(this->folder_.path()),
                 ElementsAre(odd, "empty", "sub/" + unicode + "/big.bin", unicode));
     EXPECT_EQ(this->folder_.readFile(odd), "odd\n");
     EXPECT_EQ(this->folder_.readFile(unicode), "Unicode\n");
     EXPECT_TRUE(this->folder_.readFile("sub/" + unicode + "/big.bin") == NginxServer::bigContent());
 
-    EXPECT_EQ(this->mirror("/tree"), (Outcome{0, "0 files fetched\n", ""}));
+    EXPECT_EQ(this->mirror("/tree"), (Outcome{0, "files fetched: 0\n", ""}));
 
     this->writeFile("/tree/" + unicode, "changed since\n");
-    EXPECT_EQ(this->mirror("/tree"),
-              (Outcome{0, this->server().path("/tree/") + unicode + "\n1 files fetched\n", ""}));
+    const std::string rest = "/" + unicode + "\nfiles fetched: 1\n";
+    EXPECT_EQ(this->mirror("/tree"), (Outcome{0, this->server().path("/tree") + rest, ""}));
+    EXPECT_EQ("/tree" + rest, documentedOutput("docs/ftp.md", "ftp_mirror"));
     EXPECT_EQ(this->folder_.readFile(unicode), "changed since\n");
 }
 

@@ -1,3 +1,4 @@
+#include "Document.h"
 #include "Example.h"
 
 #include "support/SmtpServer.h"
@@ -50,7 +51,7 @@ TEST(SendMail, BringsTextAndFile) {
     EXPECT_EQ(runExample("send_mail",
                          makeArguments("joe@example.org", "Gr\u00fc\u00dfe \U0001F680", folder.file(name)),
                          environment(), "Sch\u00f6nen Tag!\n.\nJane\n"),
-              (Outcome{0, "sent\n", ""}));
+              (Outcome{0, documentedOutput("docs/mail.md", "send_mail"), ""}));
 
     const std::vector<SmtpMail> mails = mailServer().takeMails();
     ASSERT_EQ(mails.size(), 1U);
