@@ -19,7 +19,7 @@ class CNewFile : public kel::CBase, public kel::IOutStream {
 public:
     explicit CNewFile(const kel::CPath& path)
         : path_(path),
-          partPath_(path.getText() + "." + makeRandomText() + ".part"),
+          partPath_(path.getParent() / kel::CPath(".part-" + makeRandomText())),
           stream_(new kel::CFileOutStream(partPath_, kel::CFileOutStream::Mode::CreateNew)) {}
     CNewFile(const CNewFile&) = delete;
     CNewFile& operator=(const CNewFile&) = delete;

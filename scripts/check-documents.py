@@ -14,7 +14,8 @@ What a block shows is told by the line before it:
 
 Every block of C++ is of one of the first two kinds, so that the build compiles it. Blocks of text and XML are outputs.
 Blocks of shell and CMake stand for themselves in docs/getting-started.md, where scripts/check-docs.sh runs them.
-Everything else has to say what it is. Links to other files of the tree, and to headings in them, lead somewhere.
+Everything else has to say what it is. Links to other files of the tree, and to headings in them, lead somewhere, and
+docs/README.md names every document.
 """
 
 import pathlib
@@ -61,7 +62,8 @@ def read_blocks(document, lines):
             open_block.lines.append(line)
         elif fence:
             marker = MARKER.match(before)
-            open_block = Block(document, index + 1, fence.group(1), marker and ((marker.group(1) or "whole").strip(" :"), marker.group(2)))
+            kind = marker and (marker.group(1) or "whole").strip(" :")
+            open_block = Block(document, index + 1, fence.group(1), kind and (kind, marker.group(2)))
         elif line.startswith("```"):
             sys.exit(f"{document}:{index + 1}: a fence with more than a language")
         before = line
@@ -86,9 +88,8 @@ def contains(lines, wanted):
     """Whether lines that follow one another are the wanted ones but for a common indentation."""
     wanted = indented_alike(wanted)
     count = len(wanted)
-    return any(
-        indented_alike(lines[i : i + count]) == wanted for i in range(len(lines) - count + 1) if lines[i].strip() == wanted[0].strip()
-    )
+    starts = (i for i in range(len(lines) - count + 1) if lines[i].strip() == wanted[0].strip())
+    return any(indented_alike(lines[i : i + count]) == wanted for i in starts)
 
 
 def check_block(block):
@@ -98,6 +99,8 @@ def check_block(block):
     if block.kind in ("whole", "from"):
         if not (ROOT / block.name).is_file():
             return f"there is no file {block.name}"
+        if block.language == "cpp" and not block.name.startswith("examples/"):
+            return "C++ is shown from examples/, which the tests run"
         if block.kind == "whole" and block.lines != shown_lines(block.name):
             return f"the block is not {block.name}; mend it with: scripts/check-documents.py --write"
         if block.kind == "from" and not contains(read_lines(block.name), block.lines):
@@ -150,8 +153,16 @@ def check_links(document, lines, blocks):
             target = (ROOT / document).parent / path if path else ROOT / document
             if not target.exists():
                 yield f"{document}:{index + 1}: {link} leads nowhere"
-            elif anchor and (target.suffix != ".md" or anchor not in anchors(target.relative_to(ROOT) if target.is_absolute() and target.is_relative_to(ROOT) else target)):
+            elif anchor and (target.suffix != ".md" or anchor not in anchors(target)):
                 yield f"{document}:{index + 1}: {link} has no such heading"
+
+
+def check_index():
+    index = (ROOT / "docs" / "README.md").read_text(encoding="utf-8")
+    for document in documents():
+        name = pathlib.Path(document).name
+        if name != "README.md" and f"]({name})" not in index:
+            yield f"docs/README.md does not name {name}"
 
 
 def write(document):
@@ -189,6 +200,7 @@ def main():
                 faults.append(f"{block.place}: {fault}")
         faults += check_links(document, lines, blocks)
     faults += check_outputs(all_blocks)
+    faults += check_index()
     if faults:
         sys.exit("\n".join(faults))
     print(f"{len(documents())} documents with {len(all_blocks)} blocks fit the tree.")

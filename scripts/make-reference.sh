@@ -9,7 +9,7 @@
 output=${1:-build/reference}
 version=$(sed -nE 's/^project\(vantra VERSION ([0-9.]+) .*/\1/p' CMakeLists.txt)
 [ -n "$version" ] || die "CMakeLists.txt names no version"
-mapfile -t input < <(tree_files 'include/vantra/*.h' 'kel/include/kel/*.h' 'docs/*.md')
+mapfile -t input < <(tree_files 'include/vantra/*.h' 'kel/include/kel/*.h' README.md 'docs/*.md')
 [ ${#input[@]} -gt 0 ] || die "no headers found"
 
 rm -rf "$output"
