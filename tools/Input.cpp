@@ -7,6 +7,7 @@
 #include <kel/FileStream.h>
 
 #include <algorithm>
+#include <array>
 #include <system_error>
 
 namespace vantra::tool {
@@ -18,6 +19,7 @@ using kel::IInStream;
 using kel::int64;
 using kel::P;
 using kel::String;
+using kel::TBuffer;
 
 namespace {
 
@@ -82,6 +84,28 @@ private:
 P<IInStream> openInput(const String& name) {
     if (name == "-") return new CStandardInput();
     return new CInputFile(name);
+}
+
+P<TBuffer<unsigned char>> readInput(const String& name, std::size_t maxLength) {
+    constexpr std::size_t blockSize = std::size_t{64} * 1024;
+    const P<IInStream> input = openInput(name);
+    P<TBuffer<unsigned char>> content = new TBuffer<unsigned char>();
+    const auto refuseIf = [&](bool isTooLarge) {
+        if (isTooLarge)
+            throw CError("'" + name + "' is larger than " + String::fromUInt(maxLength) +
+                         " bytes, the most that can be sent.");
+    };
+    if (input->getSize() > 0) {
+        const auto size = static_cast<std::size_t>(input->getSize());
+        refuseIf(size > maxLength);
+        content->reserve(size);
+    }
+    std::array<unsigned char, blockSize> block;
+    while (const std::size_t count = input->read(block.data(), block.size())) {
+        refuseIf(count > maxLength - content->getUsed());
+        content->append(block.data(), count);
+    }
+    return content;
 }
 
 } // namespace vantra::tool

@@ -2,9 +2,13 @@
 /// Where bytes to send come from.
 #pragma once
 
+#include <kel/Buffer.h>
 #include <kel/P.h>
 #include <kel/Stream.h>
 #include <kel/String.h>
+
+#include <cstddef>
+#include <limits>
 
 namespace vantra::tool {
 
@@ -17,5 +21,11 @@ namespace vantra::tool {
 /// user asked to stop (see Interrupt.h).
 /// @throws kel::CError if it cannot be opened.
 [[nodiscard]] kel::P<kel::IInStream> openInput(const kel::String& name);
+
+/// Reads what openInput() opens to its end.
+/// @param maxLength the most bytes that it may have.
+/// @throws kel::CError if it cannot be read; "'NAME' is larger than N bytes, the most that can be sent."
+[[nodiscard]] kel::P<kel::TBuffer<unsigned char>>
+readInput(const kel::String& name, std::size_t maxLength = std::numeric_limits<std::size_t>::max());
 
 } // namespace vantra::tool

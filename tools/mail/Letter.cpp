@@ -1,7 +1,7 @@
 #include "mail/Letter.h"
 
+#include "Input.h"
 #include "mail/ContentType.h"
-#include "mail/InputFile.h"
 
 #include <vantra/MimeEncoding.h>
 #include <vantra/MultiPartMimeMessage.h>
@@ -59,7 +59,7 @@ P<TBuffer<unsigned char>> withMailLineEnds(std::string_view text) {
 }
 
 P<CMimeMessage> makeText(const String& file, const String& contentType) {
-    const P<TBuffer<unsigned char>> bytes = readInputFile(file);
+    const P<TBuffer<unsigned char>> bytes = readInput(file);
     String text;
     if (!String::tryFromUTF8(viewOf(*bytes), text))
         throw CError("The text in " + (file == "-" ? String("standard input") : "'" + file + "'") +
@@ -71,7 +71,7 @@ P<CMimeMessage> makeText(const String& file, const String& contentType) {
 
 P<CMimeMessage> makeAttachedFile(const String& file) {
     const String name = CPath(file).getFileName();
-    return makeAttachment(name, guessContentType(name), *readInputFile(file));
+    return makeAttachment(name, guessContentType(name), *readInput(file));
 }
 
 /// What the reader sees first: the text, the HTML, or both as alternatives of which readers take the last

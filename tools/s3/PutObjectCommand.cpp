@@ -8,18 +8,13 @@
 #include "Terminal.h"
 
 #include <kel/Buffer.h>
-#include <kel/Stream.h>
 
 #include <CLI/CLI.hpp>
 
-#include <algorithm>
-#include <array>
 #include <limits>
 
 namespace vantra::tool {
 
-using kel::CError;
-using kel::IInStream;
 using kel::P;
 using kel::String;
 using kel::TBuffer;
@@ -27,23 +22,6 @@ using kel::TBuffer;
 namespace {
 
 constexpr std::size_t mostBytes = std::numeric_limits<int>::max();
-
-/// All of the input: its digest goes ahead of it.
-TBuffer<unsigned char> readInput(const String& file) {
-    constexpr std::size_t blockSize = std::size_t{64} * 1024;
-    const P<IInStream> input = openInput(file);
-    TBuffer<unsigned char> content;
-    if (input->getSize() > 0)
-        content.reserve(std::min(static_cast<std::size_t>(input->getSize()), mostBytes));
-    std::array<unsigned char, blockSize> block;
-    while (const std::size_t count = input->read(block.data(), block.size())) {
-        if (count > mostBytes - content.getUsed())
-            throw CError("'" + file +
-                         "' is larger than 2147483647 bytes, the most that one request uploads.");
-        content.append(block.data(), count);
-    }
-    return content;
-}
 
 } // namespace
 
@@ -82,10 +60,10 @@ void CPutObjectCommand::run() {
         throw CUsageError("--file: standard input holds the secret key already");
     const CInterruptGuard interruptGuard; // ahead of the input, for which one may have to wait
     const P<CS3Client> client = makeClient();
-    const TBuffer<unsigned char> content = readInput(file_);
+    const P<TBuffer<unsigned char>> content = readInput(file_, mostBytes); // its digest goes ahead of it
     const P<CNetRequest> request = new CNetRequest();
-    client->preparePutObjectRequest(*request, object_->getBucket(), object_->getKey(), content.getData(),
-                                    static_cast<int>(content.getUsed()), contentType_);
+    client->preparePutObjectRequest(*request, object_->getBucket(), object_->getKey(), content->getData(),
+                                    static_cast<int>(content->getUsed()), contentType_);
     applyTo(*request);
     const std::unique_ptr<CTransferLog> log = openLog();
     CProgressDisplay display(isStandardErrorTerminal());
