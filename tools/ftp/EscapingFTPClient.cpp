@@ -28,6 +28,8 @@ String CEscapingFTPClient::findLoginDirectory(CNetRequest& request) const {
 
 void CEscapingFTPClient::beginPrepareRequest(CNetRequest& request, const String& path,
                                              bool createMissingDirs) const {
+    if (log_ && hasTransferred_) log_->add(request);
+    hasTransferred_ = true;
     const String urlPath = escapePath(path);
     const bool needsSlash = countsFromRoot_ && !path.isEmpty();
     CFTPClient::beginPrepareRequest(request, needsSlash ? "/" + urlPath : urlPath, createMissingDirs);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "ConnectionOptions.h"
+#include "TransferLog.h"
 #include "TransferMonitor.h"
 #include "URLArgument.h"
 
@@ -21,6 +22,10 @@ public:
     CEscapingFTPClient(const kel::String& host, const Login& login, ConnectType type,
                        const CConnectionOptions& connection, CTransferMonitor& monitor);
 
+    /// Has the log take the record of each transfer ahead of the next one; that of the last one stays with
+    /// the request. @param log null (the default) for none; must outlive the client.
+    void setLog(CTransferLog* log) noexcept { log_ = log; }
+
     /// The path from the server's root on. Commands take one that begins with a slash for that, while in a
     /// URL it begins at the directory of the login: what both are told has to be the same file. Logs in to
     /// learn which directory that is (CURLINFO_FTP_ENTRY_PATH). All paths that the client is given afterwards
@@ -38,6 +43,8 @@ private:
 
     const CConnectionOptions& connection_;
     CTransferMonitor& monitor_;
+    CTransferLog* log_ = nullptr;
+    mutable bool hasTransferred_ = false; // or is about to
     std::optional<kel::String> loginDirectory_; // without a slash at the end, once it is known
     bool countsFromRoot_ = false;
 };

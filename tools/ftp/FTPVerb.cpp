@@ -41,7 +41,8 @@ void CFTPVerb::run() {
     CTransferMonitor monitor;
     const P<CEscapingFTPClient> client = options_.makeClient(getAddress(), monitor);
     const P<CNetRequest> request = new CNetRequest();
-    const std::unique_ptr<CTransferLog> log = logOption_.open();
+    const std::unique_ptr<CTransferLog> log = logOption_.open(CTransferLog::Kind::ManyTransfers);
+    client->setLog(log.get());
     const CInterruptGuard interruptGuard;
     runLogged(log.get(), *request, [&] {
         try {

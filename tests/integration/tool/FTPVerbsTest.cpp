@@ -230,3 +230,13 @@ TEST_P(ToolFtp, LogsTheConversationWithoutThePassword) {
     EXPECT_THAT(log, HasSubstr("MKD "));
     EXPECT_THAT(log, testing::Not(HasSubstr(FtpServer::password())));
 }
+
+TEST_P(ToolFtp, LogsAllTransfersOfARemovedTree) {
+    writeFile("/tree/branch/leaf", "");
+    EXPECT_EQ(runFtp({"rmtree", "--yes", "--log", local_.file("log"), url("/tree")}), succeeded(""));
+    const std::string log = local_.readFile("log");
+    EXPECT_THAT(log, testing::StartsWith("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<NetRequests>\n"));
+    for (const char* command : {">USER ", ">DELE ", ">RMD "}) EXPECT_THAT(log, HasSubstr(command));
+    EXPECT_THAT(log, HasSubstr("/tree/branch&#13;"));
+    EXPECT_THAT(log, testing::Not(HasSubstr(FtpServer::password())));
+}
