@@ -6,7 +6,8 @@
 #     scripts/windows-deps.sh --where      prints the folder; fails if it is not built
 #
 # OpenSSL, expat and libcurl become static libraries, for vantra.dll to hold; wxWidgets' string class crosses the DLL's
-# boundary, so wxWidgets stays shared. GoogleTest and the headers of CLI11 are those of this system's packages.
+# boundary, so wxWidgets stays shared. GoogleTest and the headers of CLI11 and nlohmann-json are those of this system's
+# packages.
 #
 #     VANTRA_WINDOWS_CACHE    folder of the cache, default ${XDG_CACHE_HOME:-~/.cache}/vantra-windows
 #     VANTRA_DEBIAN_MIRROR    where the source packages come from; default the first mirror of this system
@@ -24,12 +25,14 @@ for command in x86_64-w64-mingw32-g++-posix dpkg-source cmake ninja perl make; d
     command -v "$command" >/dev/null || die "$command is missing: scripts/install-deps.sh build test windows"
 done
 [ -f /usr/src/googletest/CMakeLists.txt ] || die "GoogleTest's sources are missing: scripts/install-deps.sh test"
-[ -f /usr/include/CLI/CLI.hpp ] || die "the headers of CLI11 are missing: scripts/install-deps.sh build"
+for header in CLI/CLI.hpp nlohmann/json.hpp; do
+    [ -f /usr/include/$header ] || die "the header $header is missing: scripts/install-deps.sh build"
+done
 
 tree=$PWD
 cache=${VANTRA_WINDOWS_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/vantra-windows}
 versions=$(printf '%s\n' "${sources[@]}"
-    dpkg-query --show --showformat='${Package}=${Version}\n' googletest libcli11-dev g++-mingw-w64-x86-64-posix mingw-w64-x86-64-dev
+    dpkg-query --show --showformat='${Package}=${Version}\n' googletest libcli11-dev nlohmann-json3-dev g++-mingw-w64-x86-64-posix mingw-w64-x86-64-dev
     # And how they are built: this file and the toolchain, but for comments.
     sed -E '/^ *#/d' scripts/windows-deps.sh cmake/mingw-w64-x86_64.cmake | sha256sum)
 prefix=$cache/$(sha256sum <<<"$versions" | cut -c 1-16)
@@ -129,10 +132,11 @@ build_with_cmake() {
     cmake --install "$name"
 }
 
-copy_cli11() {
+copy_header_libraries() {
     mkdir -p "$new/include" "$new/share/cmake"
     cp -r /usr/include/CLI "$new/include/"
-    cp -r /usr/share/cmake/CLI11 "$new/share/cmake/"
+    cp -r /usr/include/nlohmann "$new/include/"
+    cp -r /usr/share/cmake/CLI11 /usr/share/cmake/nlohmann_json "$new/share/cmake/"
 }
 
 renice -n 5 $$ >/dev/null
@@ -150,7 +154,7 @@ build_step wxwidgets build_with_cmake wxwidgets "$(echo "$work"/src/wxwidgets3.2
     -DwxUSE_WEBREQUEST=OFF -DwxUSE_SOCKETS=OFF -DwxUSE_PROTOCOL=OFF -DwxUSE_PROTOCOL_HTTP=OFF \
     -DwxUSE_PROTOCOL_FTP=OFF -DwxUSE_PROTOCOL_FILE=OFF -DwxUSE_URL=OFF -DwxUSE_FS_INET=OFF -DwxUSE_IPC=OFF \
     -DwxUSE_WINSOCK2=ON -DwxBUILD_PRECOMP=OFF -DwxBUILD_CXX_STANDARD=20 -DCMAKE_CXX_FLAGS=-DXML_STATIC
-build_step cli11 copy_cli11
+build_step headers copy_header_libraries
 
 printf '%s\n' "$versions" >"$new/VERSIONS"
 # shellcheck disable=SC2094  # the list does not hold itself

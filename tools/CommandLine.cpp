@@ -1,6 +1,7 @@
 #include "CommandLine.h"
 
 #include "Interrupt.h"
+#include "LogHandler.h"
 #include "Output.h"
 #include "TerminalText.h"
 
@@ -12,6 +13,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 #include <sstream>
 
 namespace vantra::tool {
@@ -44,10 +46,39 @@ void writeRequestedText(const CLI::App& program, const CLI::Success& request) {
     openOutput(std::nullopt)->write(text.str());
 }
 
+/// Of several the first one alone, and of an option no value: both may be secrets.
+String describeUnexpectedArgument(const CLI::App& program) {
+    const std::vector<std::string> arguments = program.remaining(true);
+    const std::string first = arguments.empty() ? std::string() : arguments.front();
+    if (first.empty()) return "An empty argument was not expected";
+    const bool isOption = first.starts_with("-");
+    return "The following argument was not expected: " +
+           String::fromUTF8Lax(isOption ? first.substr(0, first.find('=')) : first);
+}
+
 String describeMissingVerb(const CLI::App& program) {
     String command = "vantra ";
     for (const CLI::App* group : program.get_subcommands()) command += String(group->get_name()) + " ";
     return "no verb was given; " + command + "--help lists them";
+}
+
+void run(IVerb& verb) {
+    try {
+        verb.run();
+    } catch (const CUsageError&) {
+        throw;
+    } catch (const CClosedPipeError&) {
+        throw;
+    } catch (const CError& error) {
+        if (isInterrupted()) throw;
+        try {
+            verb.report(&error);
+        } catch (const CError&) {
+            // The first failure is the one to tell of.
+        }
+        throw;
+    }
+    verb.report(nullptr);
 }
 
 void parseAndRun(CLI::App& program, std::vector<std::string> arguments, VerbAdder addVerbs) {
@@ -59,13 +90,16 @@ void parseAndRun(CLI::App& program, std::vector<std::string> arguments, VerbAdde
     } catch (const CLI::Success& request) {
         writeRequestedText(program, request);
         return;
+    } catch (const CLI::ExtrasError&) {
+        throw CUsageError(describeUnexpectedArgument(program));
     } catch (const CLI::ParseError& error) {
         throw CUsageError(String::fromUTF8Lax(error.what()));
     }
     const auto chosen =
         std::find_if(verbs.begin(), verbs.end(), [](const auto& verb) { return verb->isChosen(); });
     if (chosen == verbs.end()) throw CUsageError(describeMissingVerb(program));
-    (*chosen)->run();
+    if ((*chosen)->isQuiet()) kel::setLogHandler(new CSilentLogHandler());
+    run(**chosen);
 }
 
 ExitStatus fail(const String& message) {
@@ -89,6 +123,8 @@ ExitStatus runCommandLine(std::vector<std::string> arguments, VerbAdder addVerbs
         return ExitFailure;
     } catch (const CError& error) {
         return fail(error.getMessage());
+    } catch (const std::bad_alloc&) {
+        return fail("out of memory");
     } catch (const std::exception& error) {
         return fail(String::fromUTF8Lax(error.what()));
     } catch (...) {

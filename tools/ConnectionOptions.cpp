@@ -1,7 +1,6 @@
 #include "ConnectionOptions.h"
 
-#include "ArgumentText.h"
-#include "Errors.h"
+#include "FileArgument.h"
 #include "TimeoutArgument.h"
 
 #include <CLI/CLI.hpp>
@@ -38,10 +37,7 @@ void CConnectionOptions::addTLSOptions(CLI::App& verb) {
     verb.add_flag("--insecure", insecure_, "Do not verify the server's certificate and host name");
     verb.add_option_function<std::string>(
             "--cacert",
-            [this](const std::string& argument) {
-                caFile_ = toArgumentText("--cacert", argument);
-                if (caFile_->isEmpty()) throw CUsageError("--cacert: must not be empty");
-            },
+            [this](const std::string& argument) { caFile_ = parseFileArgument("--cacert", argument); },
             "Trust the root certificates in this file (PEM) and no\nothers. Default: those of libcurl")
         ->type_name("FILE");
 }

@@ -10,7 +10,10 @@ namespace vantra::tool {
 using kel::P;
 
 CGetCommand::CGetCommand(CLI::App& program)
-    : CVerb(program, "get", "Fetch what a URL names, to standard output or a file") {
+    : CVerb(program, "get", "Fetch what a URL names, to standard output or a file",
+            {"vantra get https://www.example.com/",
+             "vantra get -o notes.pdf --user jane --password-file pw.txt https://www.example.com/notes.pdf",
+             "vantra get --json -o head.bin --range 0-1023 https://www.example.com/disk.img"}) {
     addURL();
     responseOptions_.addTo(getParser());
     addRangeOption();
@@ -41,13 +44,15 @@ void CGetCommand::run() {
     requestOptions_.checkFor(*url_);
     responseOptions_.checkFor(*url_);
     logOption_.checkFor(responseOptions_.getOutputName());
+    getResult().setText("url", url_->getText());
+    setOutput(responseOptions_.getOutputName());
     const CInterruptGuard interruptGuard; // ahead of the first file that would have to be removed
     const P<CNetRequest> request = new CNetRequest();
     requestOptions_.applyTo(*request, *url_);
     if (range_) range_->applyTo(*request);
     const std::unique_ptr<CTransferLog> log = logOption_.open();
     const std::unique_ptr<IOutput> output = responseOptions_.open();
-    TransferSettings settings;
+    TransferSettings settings{getResult(), showsProgress()};
     settings.includeHeaders = responseOptions_.getIncludeHeaders();
     settings.range = range_;
     settings.log = log.get();

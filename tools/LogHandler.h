@@ -14,4 +14,10 @@ public:
     void handleLogEntry(const kel::CLogEntry& entry) override;
 };
 
+/// Drops them.
+class CSilentLogHandler : public kel::CBase, public kel::ILogHandler {
+public:
+    void handleLogEntry(const kel::CLogEntry& /*entry*/) override {}
+};
+
 } // namespace vantra::tool

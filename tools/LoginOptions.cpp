@@ -2,7 +2,9 @@
 
 #include "ArgumentText.h"
 #include "Errors.h"
+#include "FileArgument.h"
 #include "PasswordFile.h"
+#include "RefusedSecret.h"
 
 #include <CLI/CLI.hpp>
 
@@ -23,33 +25,28 @@ void CLoginOptions::addTo(CLI::App& verb) {
                 },
                 "Name to log in with (HTTP: basic authentication).\nWithout a password an empty one is sent")
             ->type_name("NAME");
-    CLI::Option* password =
-        verb.add_option_function<std::string>(
-                "--password",
-                [this](const std::string& argument) {
-                    password_ = toArgumentText("--password", argument);
-                    refuseControlCharacters("--password", *password_);
-                },
-                "Password to log in with. Other users of this machine\nmay see it, so prefer --password-file")
-            ->type_name("TEXT")
-            ->needs(user);
     verb.add_option_function<std::string>(
             "--password-file",
             [this](const std::string& argument) {
-                passwordFile_ = toArgumentText("--password-file", argument);
-                if (passwordFile_->isEmpty()) throw CUsageError("--password-file: must not be empty");
+                passwordFile_ = parseFileArgument("--password-file", argument);
             },
             "File whose only line is the password; - for standard input")
         ->type_name("FILE")
-        ->needs(user)
-        ->excludes(password);
+        ->needs(user);
+    addRefusedSecret(verb, "--password", "--password-file");
+}
+
+void CLoginOptions::checkFor(const CURLArgument& url) const {
+    if (url.getUser() && user_) throw CUsageError("--user: the URL names a user already");
+}
+
+std::optional<Login> CLoginOptions::getLogin(const CURLArgument& url) const {
+    return url.getUser() ? Login{*url.getUser(), String()} : getLogin();
 }
 
 std::optional<Login> CLoginOptions::getLogin() const {
     if (!user_) return std::nullopt;
-    if (!login_)
-        login_ =
-            Login{*user_, passwordFile_ ? readPasswordFile(*passwordFile_) : password_.value_or(String())};
+    if (!login_) login_ = Login{*user_, passwordFile_ ? readPasswordFile(*passwordFile_) : String()};
     return login_;
 }
 

@@ -30,6 +30,7 @@ fs::path followLinks(const CPath& path) {
         if (error) fail(path, error);
         target = target.parent_path() / next;
     }
+    if (error == std::errc::filename_too_long) fail(path, error); // rather than when all is received
     return target;
 }
 

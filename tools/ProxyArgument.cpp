@@ -31,17 +31,25 @@ void checkScheme(const std::string& option, const String& address) {
     if (std::find(schemes.begin(), schemes.end(), scheme) == schemes.end()) refuse(option);
 }
 
+/// Empty when there is none.
+String getPart(const URLHandle& url, CURLUPart part) {
+    char* text = nullptr;
+    const CURLUcode result = curl_url_get(url.get(), part, &text, 0);
+    const CURLString owner(text);
+    return result == CURLUE_OK ? String(text) : String();
+}
+
 /// As libcurl will do it, which takes an address without a scheme for one of HTTP.
 void checkParts(const std::string& option, const String& address) {
     const URLHandle url(curl_url());
     if (!url) throw std::bad_alloc();
     const unsigned int flags = CURLU_NON_SUPPORT_SCHEME | CURLU_GUESS_SCHEME;
     if (curl_url_set(url.get(), CURLUPART_URL, address.toUTF8().c_str(), flags) != CURLUE_OK) refuse(option);
-    char* path = nullptr;
-    const CURLUcode result = curl_url_get(url.get(), CURLUPART_PATH, &path, 0);
-    const bool hasPath = result == CURLUE_OK && String(path) != "/";
-    curl_free(path);
-    if (hasPath) refuse(option);
+    const String path = getPart(url, CURLUPART_PATH);
+    if (!path.isEmpty() && path != "/") refuse(option);
+    if (!getPart(url, CURLUPART_PASSWORD).isEmpty())
+        throw CUsageError(String(option) + ": must not hold a password, since others can read the command "
+                                           "line; set http_proxy and so on in the environment instead");
 }
 
 } // namespace

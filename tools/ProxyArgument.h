@@ -16,7 +16,7 @@ public:
     /// @param option the option's name, for the error's text, which never repeats the address: a password may
     /// be part of it.
     /// @throws CUsageError for anything else than "system", "none", and
-    /// [SCHEME://][USER:PASSWORD@]HOST[:PORT] with the scheme http, https, socks4, socks4a, socks5 or
+    /// [SCHEME://][USER@]HOST[:PORT] with the scheme http, https, socks4, socks4a, socks5 or
     /// socks5h.
     CProxyArgument(const std::string& option, const std::string& argument);
 

@@ -1,5 +1,6 @@
 #include "ProxyCommand.h"
 
+#include "HiddenPassword.h"
 #include "Output.h"
 #include "TerminalText.h"
 
@@ -17,7 +18,7 @@ namespace {
 
 constexpr const char* nothing = "none"; // as --proxy understands it
 
-std::string toLine(const String& text) { return toTerminalLine(text) + "\n"; }
+std::string toLine(const String& text) { return toTerminalLine(hidePasswords(text)) + "\n"; }
 
 std::string describeAll(const CProxySettings& settings) {
     TArray<String> schemes;
@@ -37,10 +38,32 @@ std::string describeFor(const CProxySettings& settings, const CURLArgument& url)
     return toLine(proxy.isEmpty() ? String(nothing) : proxy);
 }
 
+void addAll(CJSONObject& result, const CProxySettings& settings) {
+    TArray<String> schemes;
+    settings.getProxyURLSchemes(schemes);
+    CJSONObject proxies;
+    for (const String& scheme : schemes)
+        proxies.setText(scheme.toUTF8().c_str(), hidePasswords(settings.getProxyForURLScheme(scheme)));
+    TArray<String> hosts;
+    settings.getDirectConnectHosts(hosts);
+    result.setObject("proxies", proxies);
+    result.setTexts("direct", hosts);
+}
+
+void addFor(CJSONObject& result, const CProxySettings& settings, const CURLArgument& url) {
+    const String proxy = settings.getProxyForURL(url.getText());
+    result.setText("url", url.getText());
+    if (proxy.isEmpty())
+        result.setNull("proxy");
+    else
+        result.setText("proxy", hidePasswords(proxy));
+}
+
 } // namespace
 
 CProxyCommand::CProxyCommand(CLI::App& program)
-    : CVerb(program, "proxy", "Tell which proxy the system settings name") {
+    : CVerb(program, "proxy", "Tell which proxy the system settings name",
+            {"vantra proxy", "vantra proxy https://www.example.com/"}) {
     getParser()
         .add_option_function<std::string>(
             "URL", [this](const std::string& argument) { url_.emplace("URL", argument); },
@@ -51,6 +74,13 @@ CProxyCommand::CProxyCommand(CLI::App& program)
 
 void CProxyCommand::run() {
     const P<CProxySettings> settings = CProxySettings::getUserSettings();
+    if (wantsJSON()) {
+        if (url_)
+            addFor(getResult(), *settings, *url_);
+        else
+            addAll(getResult(), *settings);
+        return;
+    }
     const std::unique_ptr<IOutput> output = openOutput(std::nullopt);
     output->write(url_ ? describeFor(*settings, *url_) : describeAll(*settings));
     output->commit();

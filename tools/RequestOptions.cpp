@@ -12,7 +12,7 @@ void CRequestOptions::addTo(CLI::App& verb) {
 
 void CRequestOptions::checkFor(const CURLArgument& url) const {
     if (!url.isHTTP() && headers_.isGiven()) throw CUsageError("--header: needs an http or https URL");
-    if (url.getLogin() && login_.isGiven()) throw CUsageError("--user: the URL holds a login already");
+    login_.checkFor(url);
 }
 
 void CRequestOptions::applyTo(CNetRequest& request, const CURLArgument& url) const {
@@ -24,7 +24,7 @@ void CRequestOptions::applyTo(CNetRequest& request, const CURLArgument& url) con
 }
 
 void CRequestOptions::applyLogin(CNetRequest& request, const CURLArgument& url) const {
-    const std::optional<Login> login = url.getLogin() ? url.getLogin() : login_.getLogin();
+    const std::optional<Login> login = login_.getLogin(url);
     if (!login) return;
     request.setUserName(login->user);
     request.setUserPassword(login->password);

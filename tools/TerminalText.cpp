@@ -1,5 +1,6 @@
 #include "TerminalText.h"
 
+#include "HiddenPassword.h"
 #include "LiveLines.h"
 
 #include <string_view>
@@ -56,9 +57,21 @@ String shorten(const String& text, std::size_t maxLength) {
     return text.length() <= maxLength ? text : text.substr(0, maxLength) + "...";
 }
 
+namespace {
+
+/// A message begins with what it is about and ends with the reason, whatever a user or a server put between.
+String cutMiddle(const String& text) {
+    constexpr std::size_t maxLength = 4000;
+    constexpr std::size_t keptAtEnd = 1500;
+    if (text.length() <= maxLength) return text;
+    return text.substr(0, maxLength - keptAtEnd) + "..." + text.substr(text.length() - keptAtEnd);
+}
+
+} // namespace
+
 void writeMessage(const String& text) noexcept {
     try {
-        writeAboveLiveLines("vantra: " + toTerminalLine(text) + "\n");
+        writeAboveLiveLines("vantra: " + toTerminalLine(cutMiddle(hidePasswords(text))) + "\n");
     } catch (...) {
         writeAboveLiveLines("vantra: out of memory\n");
     }

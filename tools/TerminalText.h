@@ -16,7 +16,9 @@ namespace vantra::tool {
 /// The text, or its first `maxLength` elements and "..." when it is longer.
 [[nodiscard]] kel::String shorten(const kel::String& text, std::size_t maxLength);
 
-/// Writes "vantra: ", the text as toTerminalLine() gives it, and a line end to standard error. Never throws.
+/// Writes "vantra: ", the text as toTerminalLine() gives it, and a line end to standard error. Passwords in
+/// URLs are left out (see hidePasswords), and so is the middle of a text of more than 4000 elements. Never
+/// throws.
 void writeMessage(const kel::String& text) noexcept;
 
 } // namespace vantra::tool

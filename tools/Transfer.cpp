@@ -1,9 +1,9 @@
 #include "Transfer.h"
 
 #include "Errors.h"
-#include "Terminal.h"
 #include "TransferFailure.h"
 #include "TransferMonitor.h"
+#include "TransferResult.h"
 
 namespace vantra::tool {
 
@@ -27,7 +27,8 @@ void performTransfer(CNetRequest& request, const CURLArgument& url, CResponseSin
 
 void runTransfer(CNetRequest& request, const CURLArgument& url, IOutput& output,
                  const TransferSettings& settings) {
-    CProgressDisplay display(isStandardErrorTerminal() && !output.isTerminal());
+    const CTransferResult result(settings.result, request);
+    CProgressDisplay display(settings.showProgress && !output.isTerminal());
     CProgressLine line(display, url.getText());
     const P<CResponseSink> sink = new CResponseSink(request, output, settings.includeHeaders);
     if (settings.range) sink->expectRange(*settings.range);

@@ -2,6 +2,7 @@
 /// Performing a request and telling the user of its failure.
 #pragma once
 
+#include "JSONObject.h"
 #include "ProgressDisplay.h"
 #include "ResponseSink.h"
 #include "TransferLog.h"
@@ -21,13 +22,16 @@ void performTransfer(CNetRequest& request, const CURLArgument& url, CResponseSin
 
 /// What runTransfer() does beside the transfer itself.
 struct TransferSettings {
+    CJSONObject& result;       ///< see CTransferResult
+    bool showProgress = false; ///< unless the output is on a terminal
     bool includeHeaders = false;
-    std::optional<CRangeArgument> range; ///< to be sent by the server; the request asks for it already
-    CTransferLog* log = nullptr;         ///< null for none
+    /// To be sent by the server; the request asks for it already.
+    std::optional<CRangeArgument> range = std::nullopt;
+    CTransferLog* log = nullptr; ///< null for none
 };
 
 /// performTransfer() for the only transfer of a verb, from its start to the output's commit(): with its
-/// progress on the terminal, unless the output is there, and with its log.
+/// progress on the terminal, its log and its result.
 void runTransfer(CNetRequest& request, const CURLArgument& url, IOutput& output,
                  const TransferSettings& settings);
 

@@ -87,14 +87,15 @@ std::optional<std::string> getPart(const String& name, const URLHandle& url, CUR
     return std::string(value);
 }
 
-/// libcurl refuses control characters while it decodes.
-std::optional<Login> extractLogin(const String& name, const URLHandle& url) {
+/// Nothing when there is no login. libcurl refuses control characters while it decodes.
+std::optional<String> extractUser(const String& name, const URLHandle& url) {
+    const std::optional<std::string> password = getPart(name, url, CURLUPART_PASSWORD, 0);
+    if (password && !password->empty())
+        throw CUsageError(name + ": must not hold a password, since others can read the command line; use "
+                                 "--user and --password-file");
     const std::optional<std::string> user = getPart(name, url, CURLUPART_USER, CURLU_URLDECODE);
-    const std::optional<std::string> password = getPart(name, url, CURLUPART_PASSWORD, CURLU_URLDECODE);
     if (!user && !password) return std::nullopt;
-    const std::string loginName = name.toUTF8() + " (its login)";
-    return Login{toArgumentText(loginName, user.value_or("")),
-                 toArgumentText(loginName, password.value_or(""))};
+    return toArgumentText(name.toUTF8() + " (its user name)", user.value_or(""));
 }
 
 String getTextWithoutLogin(const String& name, const URLHandle& url) {
@@ -113,8 +114,8 @@ CURLArgument::CURLArgument(const std::string& argumentName, const std::string& a
     isHTTP_ = contains(httpSchemes, scheme);
     checkHost(name, text_, scheme);
     const URLHandle url = parseURL(name, text_);
-    login_ = extractLogin(name, url);
-    if (login_) text_ = getTextWithoutLogin(name, url);
+    user_ = extractUser(name, url);
+    if (user_) text_ = getTextWithoutLogin(name, url);
 }
 
 } // namespace vantra::tool

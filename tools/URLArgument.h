@@ -9,30 +9,24 @@
 
 namespace vantra::tool {
 
-/// A user's name and password for a server.
-struct Login {
-    kel::String user;
-    kel::String password;
-};
-
 /// A well-formed URL (RFC 3986) of the scheme http, https, ftp or ftps.
 ///
 /// Thread safety: not changed after it was made.
 class CURLArgument {
 public:
     /// @param argumentName for the error's text, which never repeats the URL: a password may be part of it.
-    /// @throws CUsageError for anything else than such a URL.
+    /// @throws CUsageError for anything else than such a URL, and for one with a password.
     CURLArgument(const std::string& argumentName, const std::string& argument);
 
-    /// The URL without a login, fit to be performed and to be shown.
+    /// The URL without a user's name.
     [[nodiscard]] const kel::String& getText() const noexcept { return text_; }
-    /// The login that stood in the URL, percent-decoded.
-    [[nodiscard]] const std::optional<Login>& getLogin() const noexcept { return login_; }
+    /// The name of a user that stood in the URL, percent-decoded.
+    [[nodiscard]] const std::optional<kel::String>& getUser() const noexcept { return user_; }
     [[nodiscard]] bool isHTTP() const noexcept { return isHTTP_; }
 
 private:
     kel::String text_;
-    std::optional<Login> login_;
+    std::optional<kel::String> user_;
     bool isHTTP_;
 };
 

@@ -19,11 +19,20 @@ namespace {
 
 constexpr const char* defaultContentType = "application/octet-stream";
 
+std::vector<std::string> getExamples(CUploadCommand::Kind kind) {
+    if (kind == CUploadCommand::Kind::Put)
+        return {"vantra put https://www.example.com/notes.txt -f notes.txt --content-type text/plain",
+                "tar c notes | vantra put ftp://ftp.example.com/notes.tar -f -"};
+    return {"vantra post https://api.example.com/orders -f order.json --content-type application/json",
+            "vantra post --json -o reply.xml https://api.example.com/orders -f order.json"};
+}
+
 } // namespace
 
 CUploadCommand::CUploadCommand(CLI::App& program, Kind kind)
     : CVerb(program, kind == Kind::Put ? "put" : "post",
-            kind == Kind::Put ? "Store a file under a URL" : "Send a file to what a URL names"),
+            kind == Kind::Put ? "Store a file under a URL" : "Send a file to what a URL names",
+            getExamples(kind)),
       kind_(kind) {
     addURL();
     addBodyOptions();
@@ -62,10 +71,13 @@ void CUploadCommand::addBodyOptions() {
         ->type_name("TYPE");
 }
 
-void CUploadCommand::check() const {
+void CUploadCommand::check() {
     requestOptions_.checkFor(*url_);
     responseOptions_.checkFor(*url_);
     logOption_.checkFor(responseOptions_.getOutputName());
+    getResult().setText("url", url_->getText());
+    getResult().setText("file", file_);
+    setOutput(responseOptions_.getOutputName());
     if (kind_ == Kind::Post && !url_->isHTTP()) throw CUsageError("URL: post needs an http or https URL");
     if (file_ == "-" && requestOptions_.getLogin().readsStandardInput())
         throw CUsageError("--file: standard input holds the password already");
@@ -85,7 +97,7 @@ void CUploadCommand::run() {
     request->setSendDataSize(input->getSize());
     const std::unique_ptr<CTransferLog> log = logOption_.open();
     const std::unique_ptr<IOutput> output = responseOptions_.open();
-    TransferSettings settings;
+    TransferSettings settings{getResult(), showsProgress()};
     settings.includeHeaders = responseOptions_.getIncludeHeaders();
     settings.log = log.get();
     runTransfer(*request, *url_, *output, settings);

@@ -25,7 +25,7 @@ public:
 private:
     void addURL();
     void addBodyOptions();
-    void check() const;
+    void check();
     void configure(CNetRequest& request) const;
     void setMethod(CNetRequest& request) const;
     void setContentType(CNetRequest& request) const;

@@ -3,9 +3,9 @@
 #pragma once
 
 #include "ConnectionOptions.h"
+#include "LoginOptions.h"
 #include "TransferLog.h"
 #include "TransferMonitor.h"
-#include "URLArgument.h"
 
 #include <vantra/FTPClient.h>
 
@@ -44,7 +44,7 @@ private:
     const CConnectionOptions& connection_;
     CTransferMonitor& monitor_;
     CTransferLog* log_ = nullptr;
-    mutable bool hasTransferred_ = false; // or is about to
+    mutable bool hasTransferred_ = false;       // or is about to
     std::optional<kel::String> loginDirectory_; // without a slash at the end, once it is known
     bool countsFromRoot_ = false;
 };

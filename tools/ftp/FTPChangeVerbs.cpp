@@ -29,7 +29,10 @@ String getPathFor(CEscapingFTPClient& client, CNetRequest& request, const CFTPAd
 
 } // namespace
 
-CFTPMakeDirVerb::CFTPMakeDirVerb(CLI::App& group) : CFTPVerb(group, "mkdir", "Create a directory") {
+CFTPMakeDirVerb::CFTPMakeDirVerb(CLI::App& group)
+    : CFTPVerb(group, "mkdir", "Create a directory",
+               {"vantra ftp mkdir --create-dirs --user jane --password-file pw.txt "
+                "ftp://ftp.example.com/2026/may"}) {
     addCreateDirsOption();
     addCommonOptions();
 }
@@ -39,7 +42,8 @@ void CFTPMakeDirVerb::runWith(CEscapingFTPClient& client, CNetRequest& request) 
 }
 
 CFTPRemoveDirVerb::CFTPRemoveDirVerb(CLI::App& group)
-    : CFTPVerb(group, "rmdir", "Remove an empty directory") {
+    : CFTPVerb(group, "rmdir", "Remove an empty directory",
+               {"vantra ftp rmdir --user jane --password-file pw.txt ftp://ftp.example.com/2026/may"}) {
     addCommonOptions();
 }
 
@@ -47,7 +51,9 @@ void CFTPRemoveDirVerb::runWith(CEscapingFTPClient& client, CNetRequest& request
     client.removeDir(request, getPathFor(client, request, getAddress()));
 }
 
-CFTPRemoveVerb::CFTPRemoveVerb(CLI::App& group) : CFTPVerb(group, "rm", "Delete a file") {
+CFTPRemoveVerb::CFTPRemoveVerb(CLI::App& group)
+    : CFTPVerb(group, "rm", "Delete a file",
+               {"vantra ftp rm --user jane --password-file pw.txt ftp://ftp.example.com/notes.txt"}) {
     addCommonOptions();
 }
 
@@ -56,7 +62,9 @@ void CFTPRemoveVerb::runWith(CEscapingFTPClient& client, CNetRequest& request) {
 }
 
 CFTPMoveVerb::CFTPMoveVerb(CLI::App& group)
-    : CFTPVerb(group, "mv", "Move a file or directory to another name or directory") {
+    : CFTPVerb(group, "mv", "Move a file or directory to another name or directory",
+               {"vantra ftp mv --user jane --password-file pw.txt ftp://ftp.example.com/a "
+                "ftp://ftp.example.com/b"}) {
     getParser()
         .add_option_function<std::string>(
             "NEWURL", [this](const std::string& argument) { target_.emplace("NEWURL", argument); },
@@ -67,11 +75,12 @@ CFTPMoveVerb::CFTPMoveVerb(CLI::App& group)
     addCommonOptions();
 }
 
-void CFTPMoveVerb::check() const {
+void CFTPMoveVerb::check() {
     if (target_->getHost() != getAddress().getHost() ||
         target_->hasImplicitTLS() != getAddress().hasImplicitTLS())
         throw CUsageError("NEWURL: must be on the same server");
-    if (target_->getURL().getLogin()) throw CUsageError("NEWURL: must not hold a login");
+    if (target_->getURL().getUser()) throw CUsageError("NEWURL: must not hold a login");
+    getResult().setText("newUrl", target_->getURL().getText());
 }
 
 void CFTPMoveVerb::runWith(CEscapingFTPClient& client, CNetRequest& request) {
@@ -93,12 +102,13 @@ void CFTPMoveVerb::runWith(CEscapingFTPClient& client, CNetRequest& request) {
 }
 
 CFTPRemoveTreeVerb::CFTPRemoveTreeVerb(CLI::App& group)
-    : CFTPVerb(group, "rmtree", "Remove a directory with all its contents") {
+    : CFTPVerb(group, "rmtree", "Remove a directory with all its contents",
+               {"vantra ftp rmtree --yes --user jane --password-file pw.txt ftp://ftp.example.com/2026"}) {
     getParser().add_flag("--yes", isAgreed_, "Do not ask before anything is removed");
     addCommonOptions();
 }
 
-void CFTPRemoveTreeVerb::check() const {
+void CFTPRemoveTreeVerb::check() {
     if (!isAgreed_) askUser();
 }
 

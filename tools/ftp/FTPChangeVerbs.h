@@ -41,7 +41,7 @@ public:
     explicit CFTPMoveVerb(CLI::App& group);
 
 protected:
-    void check() const override;
+    void check() override;
     void runWith(CEscapingFTPClient& client, CNetRequest& request) override;
 
 private:
@@ -54,7 +54,7 @@ public:
     explicit CFTPRemoveTreeVerb(CLI::App& group);
 
 protected:
-    void check() const override;
+    void check() override;
     void runWith(CEscapingFTPClient& client, CNetRequest& request) override;
 
 private:

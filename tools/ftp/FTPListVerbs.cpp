@@ -61,10 +61,27 @@ std::string describe(const CFTPDirEntry& entry, bool isForTerminal) {
     return facts.toUTF8() + (isForTerminal ? toTerminalLine(name) : name.toUTF8()) + "\n";
 }
 
+/// The same for programs; what the server did not tell is left out.
+void addEntry(CJSONObject& result, const CFTPDirEntry& entry) {
+    result.setText("name", entry.getName());
+    result.setText("type", describeType(entry));
+    if (entry.getType() == IFileInfoBase::File) result.setInteger("size", entry.getSize());
+    if (entry.getModifiedTime() != CTime()) result.setText("modified", describeTime(entry));
+}
+
+std::string describeForPrograms(const CFTPDirEntry& entry) {
+    CJSONObject object;
+    addEntry(object, entry);
+    return object.toLine();
+}
+
 } // namespace
 
 CFTPListVerb::CFTPListVerb(CLI::App& group)
-    : CFTPVerb(group, "ls", "List a directory: type, size, time (UTC) and name of each entry") {
+    : CFTPVerb(
+          group, "ls", "List a directory: type, size, time (UTC) and name of each entry",
+          {"vantra ftp ls ftp://ftp.example.com/pub/",
+           "vantra ftp ls --json --tls explicit --user jane --password-file pw.txt ftp://ftp.example.com/"}) {
     addCommonOptions();
 }
 
@@ -74,14 +91,16 @@ void CFTPListVerb::runWith(CEscapingFTPClient& client, CNetRequest& request) {
     std::string text;
     for (const P<CFTPDirEntry>& entry : listing->getEntries()) {
         if (entry->getName() != "." && entry->getName() != "..")
-            text += describe(*entry, output->isTerminal());
+            text += wantsJSON() ? describeForPrograms(*entry) : describe(*entry, output->isTerminal());
     }
     output->write(text);
     output->commit();
+    getResult().clear(); // which the lines are already
 }
 
 CFTPStatVerb::CFTPStatVerb(CLI::App& group)
-    : CFTPVerb(group, "stat", "Tell type, size, time (UTC) and name of a file or directory") {
+    : CFTPVerb(group, "stat", "Tell type, size, time (UTC) and name of a file or directory",
+               {"vantra ftp stat ftp://ftp.example.com/pub/notes.txt"}) {
     addCommonOptions();
 }
 
@@ -89,6 +108,10 @@ void CFTPStatVerb::runWith(CEscapingFTPClient& client, CNetRequest& request) {
     client.prepareGetInfoRequest(request, client.toPathFromRoot(request, getAddress().getPath()));
     request.perform();
     const CFTPGetInfoResult result(request.getResponseInfo());
+    if (wantsJSON()) {
+        addEntry(getResult(), *result.getInfo());
+        return;
+    }
     const std::unique_ptr<IOutput> output = openOutput(std::nullopt);
     output->write(describe(*result.getInfo(), output->isTerminal()));
     output->commit();

@@ -56,10 +56,8 @@ void CFTPOptions::addTo(CLI::App& verb) {
 }
 
 Login CFTPOptions::getLogin(const CFTPAddress& address) const {
-    const std::optional<Login>& inURL = address.getURL().getLogin();
-    if (inURL && login_.isGiven()) throw CUsageError("--user: the URL holds a login already");
-    const std::optional<Login> login = inURL ? inURL : login_.getLogin();
-    return login.value_or(Login{"anonymous", "ftp@example.com"});
+    login_.checkFor(address.getURL());
+    return login_.getLogin(address.getURL()).value_or(Login{"anonymous", "ftp@example.com"});
 }
 
 CFTPClient::ConnectType CFTPOptions::getConnectType(const CFTPAddress& address) const {

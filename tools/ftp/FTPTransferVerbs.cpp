@@ -5,9 +5,9 @@
 #include "Output.h"
 #include "ProgressDisplay.h"
 #include "ResponseSink.h"
-#include "Terminal.h"
 #include "Transfer.h"
 #include "TransferMonitor.h"
+#include "TransferResult.h"
 
 #include <CLI/CLI.hpp>
 
@@ -20,23 +20,31 @@ using kel::P;
 using kel::String;
 
 CFTPGetVerb::CFTPGetVerb(CLI::App& group)
-    : CFTPVerb(group, "get", "Fetch a file, to standard output or a file") {
+    : CFTPVerb(group, "get", "Fetch a file, to standard output or a file",
+               {"vantra ftp get -o notes.txt ftp://ftp.example.com/pub/notes.txt",
+                "vantra ftp get --range 100- ftps://ftp.example.com/pub/notes.txt"}) {
     downloadOptions_.addTo(getParser());
     addCommonOptions();
 }
+
+void CFTPGetVerb::check() { setOutput(downloadOptions_.getOutputName()); }
 
 void CFTPGetVerb::runWith(CEscapingFTPClient& client, CNetRequest& request) {
     client.prepareDownloadRequest(request, getAddress().getPath(), 0, -1);
     if (downloadOptions_.getRange()) downloadOptions_.getRange()->applyTo(request);
     const std::unique_ptr<IOutput> output = openOutput(downloadOptions_.getOutputName());
-    CProgressDisplay display(isStandardErrorTerminal() && !output->isTerminal());
+    const CTransferResult result(getResult(), request);
+    CProgressDisplay display(showsProgress() && !output->isTerminal());
     CProgressLine line(display, getAddress().getURL().getText());
     const P<CResponseSink> sink = new CResponseSink(request, *output, false);
     performTransfer(request, getAddress().getURL(), *sink, &line);
     output->commit();
 }
 
-CFTPPutVerb::CFTPPutVerb(CLI::App& group) : CFTPVerb(group, "put", "Store a file on the server") {
+CFTPPutVerb::CFTPPutVerb(CLI::App& group)
+    : CFTPVerb(
+          group, "put", "Store a file on the server",
+          {"vantra ftp put --user jane --password-file pw.txt ftp://ftp.example.com/notes.txt notes.txt"}) {
     getParser()
         .add_option_function<std::string>(
             "FILE", [this](const std::string& argument) { file_ = parseFileArgument("FILE", argument); },
@@ -47,8 +55,9 @@ CFTPPutVerb::CFTPPutVerb(CLI::App& group) : CFTPVerb(group, "put", "Store a file
     addCommonOptions();
 }
 
-void CFTPPutVerb::check() const {
+void CFTPPutVerb::check() {
     if (getAddress().getPath().endsWith(L"/")) throw CUsageError("URL: must name a file");
+    getResult().setText("file", file_);
 }
 
 void CFTPPutVerb::runWith(CEscapingFTPClient& client, CNetRequest& request) {
@@ -56,7 +65,8 @@ void CFTPPutVerb::runWith(CEscapingFTPClient& client, CNetRequest& request) {
     client.prepareUploadRequest(request, getAddress().getPath(), nullptr, 0, createsDirs());
     request.setSendDataStream(file);
     request.setSendDataSize(file->getSize());
-    CProgressDisplay display(isStandardErrorTerminal());
+    const CTransferResult result(getResult(), request);
+    CProgressDisplay display(showsProgress());
     CProgressLine line(display, file_);
     CTransferMonitor monitor(&line);
     monitor.attachTo(request);

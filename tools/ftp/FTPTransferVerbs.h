@@ -15,6 +15,7 @@ public:
     explicit CFTPGetVerb(CLI::App& group);
 
 protected:
+    void check() override;
     void runWith(CEscapingFTPClient& client, CNetRequest& request) override;
 
 private:
@@ -27,7 +28,7 @@ public:
     explicit CFTPPutVerb(CLI::App& group);
 
 protected:
-    void check() const override;
+    void check() override;
     void runWith(CEscapingFTPClient& client, CNetRequest& request) override;
 
 private:

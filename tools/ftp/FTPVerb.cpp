@@ -15,8 +15,9 @@ using kel::CError;
 using kel::P;
 using kel::String;
 
-CFTPVerb::CFTPVerb(CLI::App& group, const std::string& name, const std::string& description)
-    : CVerb(group, name, description) {
+CFTPVerb::CFTPVerb(CLI::App& group, const std::string& name, const std::string& description,
+                   const std::vector<std::string>& examples)
+    : CVerb(group, name, description, examples) {
     getParser()
         .add_option_function<std::string>(
             "URL", [this](const std::string& argument) { address_.emplace("URL", argument); },
@@ -38,6 +39,7 @@ void CFTPVerb::addCreateDirsOption() {
 
 void CFTPVerb::run() {
     check();
+    getResult().setText("url", getAddress().getURL().getText());
     CTransferMonitor monitor;
     const P<CEscapingFTPClient> client = options_.makeClient(getAddress(), monitor);
     const P<CNetRequest> request = new CNetRequest();

@@ -9,6 +9,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace vantra::tool {
 
@@ -18,7 +19,8 @@ public:
     void run() final;
 
 protected:
-    CFTPVerb(CLI::App& group, const std::string& name, const std::string& description);
+    CFTPVerb(CLI::App& group, const std::string& name, const std::string& description,
+             const std::vector<std::string>& examples);
 
     /// To be called by the constructors of subclasses, after their own arguments were added.
     void addCommonOptions();
@@ -26,7 +28,7 @@ protected:
     void addCreateDirsOption();
 
     /// What can be said about the arguments before anything is read or sent. @throws CUsageError
-    virtual void check() const {}
+    virtual void check() {}
     /// Does what the verb is for. @throws kel::CError, of a transfer as it comes from the request.
     virtual void runWith(CEscapingFTPClient& client, CNetRequest& request) = 0;
 

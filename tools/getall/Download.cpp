@@ -2,6 +2,7 @@
 
 #include "FileName.h"
 #include "TransferFailure.h"
+#include "TransferResult.h"
 
 namespace vantra::tool {
 
@@ -35,13 +36,15 @@ void CDownload::prepareStart(CProgressDisplay& display) {
 
 void CDownload::finish() {
     detach();
+    result_.setText("url", url_.getText());
+    const CTransferResult transferResult(result_, *request_);
     try {
         request_->checkAsyncResult();
     } catch (const CError& error) {
         throw CError(describeTransferFailure(error, *request_, url_.getText(), sink_->getServerMessage()));
     }
     settleName();
-    folder_.keepFile(output_.getFile(), name_, reservedName_);
+    result_.setText("output", folder_.keepFile(output_.getFile(), name_, reservedName_));
 }
 
 /// The request may live on for a moment, and say good-bye to its server, where the thread keeps a reference.

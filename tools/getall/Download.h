@@ -3,6 +3,7 @@
 #pragma once
 
 #include "DownloadFolder.h"
+#include "JSONObject.h"
 #include "ProgressDisplay.h"
 #include "RequestOptions.h"
 #include "ResponseSink.h"
@@ -36,6 +37,9 @@ public:
 
     [[nodiscard]] CNetRequest& getRequest() const noexcept { return *request_; }
 
+    /// What the download came to, once it is finished, for programs to read.
+    [[nodiscard]] CJSONObject& getResult() noexcept { return result_; }
+
     /// To be called once after the request is done: gives the file its name.
     /// @throws kel::CError with the text of describeTransferFailure().
     void finish();
@@ -66,6 +70,7 @@ private:
     std::optional<CTransferMonitor> monitor_;
     kel::P<CNetRequest> request_;
     kel::P<CResponseSink> sink_;
+    CJSONObject result_;
 };
 
 } // namespace vantra::tool

@@ -40,7 +40,7 @@ std::unique_ptr<CTemporaryFile> CDownloadFolder::createFile(const String& name) 
     return std::make_unique<CTemporaryFile>(CPath(name_).toStdPath(), getPathText(name));
 }
 
-void CDownloadFolder::keepFile(CTemporaryFile& file, const String& name, const String& reservedName) {
+String CDownloadFolder::keepFile(CTemporaryFile& file, const String& name, const String& reservedName) {
     String candidate = reservedName;
     while (!claim(candidate)) candidate = reserveName(name);
     const fs::path path = CPath(getPathText(candidate)).toStdPath();
@@ -51,6 +51,7 @@ void CDownloadFolder::keepFile(CTemporaryFile& file, const String& name, const S
         fs::remove(path, error);
         throw;
     }
+    return getPathText(candidate);
 }
 
 String CDownloadFolder::getPathText(const String& name) const {

@@ -33,8 +33,9 @@ public:
     /// Gives the file a name that was reserved; should a file of that name have come up meanwhile, another
     /// one.
     /// @param name for which the other one was reserved.
+    /// @return the path of the file.
     /// @throws kel::CError
-    void keepFile(CTemporaryFile& file, const kel::String& name, const kel::String& reservedName);
+    kel::String keepFile(CTemporaryFile& file, const kel::String& name, const kel::String& reservedName);
 
 private:
     [[nodiscard]] kel::String getPathText(const kel::String& name) const;

@@ -1,7 +1,7 @@
 #include "DownloadQueue.h"
 
+#include "HiddenPassword.h"
 #include "Interrupt.h"
-#include "Terminal.h"
 #include "TerminalText.h"
 
 namespace vantra::tool {
@@ -24,10 +24,10 @@ private:
 };
 
 CDownloadQueue::CDownloadQueue(const std::vector<CURLArgument>& urls, const CRequestOptions& options,
-                               CDownloadFolder& folder, CTransferLog* log)
+                               CDownloadFolder& folder, const Reporting& reporting)
     : count_(urls.size()),
-      log_(log),
-      display_(isStandardErrorTerminal()),
+      reporting_(reporting),
+      display_(reporting.showProgress),
       someDone_(new CSignal()),
       listener_(new CDoneListener(someDone_)),
       thread_(new CAsyncNetRequestThread(nullptr)) {
@@ -63,7 +63,7 @@ void CDownloadQueue::startOne() {
     waiting_.pop_front();
     CDownload& download = *running_.back();
     download.prepareStart(display_);
-    if (log_) CTransferLog::record(download.getRequest());
+    if (reporting_.log) CTransferLog::record(download.getRequest());
     download.getRequest().setDoneListener(listener_);
     thread_->addRequest(&download.getRequest());
 }
@@ -81,14 +81,20 @@ void CDownloadQueue::finishDone() {
 }
 
 void CDownloadQueue::finish(CDownload& download) {
-    if (log_) log_->add(download.getRequest());
+    if (reporting_.log) reporting_.log->add(download.getRequest());
     try {
         download.finish();
         ++succeeded_;
     } catch (const CError& error) {
         ++failed_;
         writeMessage(error.getMessage());
+        download.getResult().setText("error", hidePasswords(error.getMessage()));
     }
+    report(download);
+}
+
+void CDownloadQueue::report(CDownload& download) const {
+    if (reporting_.resultOutput) reporting_.resultOutput->write(download.getResult().toLine());
 }
 
 void CDownloadQueue::checkWorld() const {

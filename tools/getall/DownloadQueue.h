@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Download.h"
+#include "Output.h"
 #include "ProgressDisplay.h"
 #include "RequestOptions.h"
 #include "TransferLog.h"
@@ -24,9 +25,16 @@ namespace vantra::tool {
 /// Thread safety: one thread at a time.
 class CDownloadQueue {
 public:
-    /// All parameters must outlive the queue. @param log null for none.
+    /// Where the queue tells of its downloads.
+    struct Reporting {
+        bool showProgress = false;
+        CTransferLog* log = nullptr;     ///< null for none
+        IOutput* resultOutput = nullptr; ///< for a JSON object of each download; null for none
+    };
+
+    /// All parameters, and what the reporting names, must outlive the queue.
     CDownloadQueue(const std::vector<CURLArgument>& urls, const CRequestOptions& options,
-                   CDownloadFolder& folder, CTransferLog* log);
+                   CDownloadFolder& folder, const Reporting& reporting);
     CDownloadQueue(const CDownloadQueue&) = delete;
     CDownloadQueue& operator=(const CDownloadQueue&) = delete;
     /// Removes the requests that still run, and their files.
@@ -44,11 +52,12 @@ private:
     void startOne();
     void finishDone();
     void finish(CDownload& download);
+    void report(CDownload& download) const;
     void checkWorld() const;
     void showSummary();
 
     const std::size_t count_;
-    CTransferLog* log_;
+    const Reporting reporting_;
     std::size_t succeeded_ = 0;
     std::size_t failed_ = 0;
     CProgressDisplay display_;

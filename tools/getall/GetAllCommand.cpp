@@ -4,6 +4,7 @@
 #include "DownloadQueue.h"
 #include "Errors.h"
 #include "Interrupt.h"
+#include "Output.h"
 #include "TerminalText.h"
 
 #include <CLI/CLI.hpp>
@@ -39,7 +40,10 @@ std::size_t parseParallel(const std::string& argument) {
 } // namespace
 
 CGetAllCommand::CGetAllCommand(CLI::App& program)
-    : CVerb(program, "get-all", "Fetch many URLs at once, each to a file"), parallel_(defaultParallel) {
+    : CVerb(program, "get-all", "Fetch many URLs at once, each to a file",
+            {"vantra get-all https://www.example.com/a.zip https://www.example.com/b.zip",
+             "vantra get-all --json -d downloads --parallel 4 https://www.example.com/{1..9}.jpg"}),
+      parallel_(defaultParallel) {
     addURLs();
     addFolderOption();
     addParallelOption();
@@ -104,7 +108,13 @@ void CGetAllCommand::run() {
 
 void CGetAllCommand::fetchAll(CTransferLog* log) {
     CDownloadFolder folder(folder_);
-    const std::size_t failed = CDownloadQueue(urls_, requestOptions_, folder, log).run(parallel_);
+    const std::unique_ptr<IOutput> output = wantsJSON() ? openOutput(std::nullopt) : nullptr;
+    const bool linesGoToTerminal = output && output->isTerminal();
+    const std::size_t failed =
+        CDownloadQueue(
+            urls_, requestOptions_, folder,
+            {.showProgress = showsProgress() && !linesGoToTerminal, .log = log, .resultOutput = output.get()})
+            .run(parallel_);
     if (failed != 0)
         throw CError(String::fromUInt(failed) + " of " + String::fromUInt(urls_.size()) +
                      " transfers failed.");

@@ -4,7 +4,7 @@
 #include "Errors.h"
 #include "FileArgument.h"
 #include "mail/MailTransfer.h"
-#include "Terminal.h"
+#include "TransferResult.h"
 
 #include <CLI/CLI.hpp>
 
@@ -34,7 +34,11 @@ String parseAddress(const std::string& option, const std::string& argument) {
 } // namespace
 
 CMailSendCommand::CMailSendCommand(CLI::App& group)
-    : CVerb(group, "send", "Send a mail with text, HTML and attached files") {
+    : CVerb(
+          group, "send", "Send a mail with text, HTML and attached files",
+          {"vantra mail send --server mail.example.com:587 --tls starttls --user jane --password-file pw.txt "
+           "\\\n      --from jane@example.com --to joe@example.com --subject Notes --text notes.txt --attach "
+           "notes.pdf"}) {
     server_.addTo(getParser());
     addEnvelopeOptions();
     addContentOptions();
@@ -109,13 +113,19 @@ void CMailSendCommand::check() const {
 
 void CMailSendCommand::run() {
     check();
+    const P<CMimeMessage> mail = makeMessage(letter_, CTimeFields(CTime::now()));
     const P<CMemoryStream> message = new CMemoryStream();
-    makeMessage(letter_, CTimeFields(CTime::now()))->store(*message);
+    mail->store(*message);
     const P<CNetRequest> request = new CNetRequest();
     CSMTPClient::makeSendMailRequest(*request, server_.getParams(), letter_.from, letter_.recipients,
                                      message);
     server_.applyTo(*request);
-    CProgressDisplay display(isStandardErrorTerminal());
+    getResult().setText("server", request->getURL());
+    getResult().setText("from", letter_.from);
+    getResult().setTexts("to", letter_.recipients);
+    getResult().setText("messageId", mail->getHeaders()["Message-ID"]);
+    const CTransferResult result(getResult(), *request);
+    CProgressDisplay display(showsProgress());
     CProgressLine line(display, request->getURL());
     performMailTransfer(*request, log_, &line);
 }

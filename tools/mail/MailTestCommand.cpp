@@ -35,10 +35,21 @@ std::string describe(const CNetRequest& request, const CSMTPParams& params) {
     return text + "\n";
 }
 
+void addDescription(CJSONObject& result, const CNetRequest& request, const CSMTPParams& params) {
+    const MailServerDescription server = describeMailServer(request.getResponseInfo());
+    result.setText("greeting", server.greeting);
+    result.setTexts("extensions", server.extensions);
+    if (params.getLoginName().isEmpty())
+        result.setNull("loggedInAs");
+    else
+        result.setText("loggedInAs", params.getLoginName());
+}
+
 } // namespace
 
 CMailTestCommand::CMailTestCommand(CLI::App& group)
-    : CVerb(group, "test", "Connect to a mail server, log in, and tell what it is") {
+    : CVerb(group, "test", "Connect to a mail server, log in, and tell what it is",
+            {"vantra mail test --server mail.example.com:465 --tls ssl --user jane --password-file pw.txt"}) {
     server_.addTo(getParser());
     log_.addTo(getParser());
 }
@@ -48,7 +59,12 @@ void CMailTestCommand::run() {
     const P<CNetRequest> request = new CNetRequest();
     CTestSetup::apply(*request, params);
     server_.applyTo(*request);
+    getResult().setText("server", request->getURL());
     performMailTransfer(*request, log_, nullptr);
+    if (wantsJSON()) {
+        addDescription(getResult(), *request, params);
+        return;
+    }
     openOutput(std::nullopt)->write(describe(*request, params));
 }
 

@@ -2,7 +2,7 @@
 
 #include "Interrupt.h"
 #include "s3/ObjectSink.h"
-#include "Terminal.h"
+#include "TransferResult.h"
 
 #include <CLI/CLI.hpp>
 
@@ -12,13 +12,17 @@ using kel::CError;
 using kel::P;
 
 CGetObjectCommand::CGetObjectCommand(CLI::App& group)
-    : CStoreCommand(group, "get", "Download an object, to standard output or a file") {
+    : CStoreCommand(group, "get", "Download an object, to standard output or a file",
+                    {"vantra s3 get --access-key AKIAEXAMPLE --secret-key-file key.txt -o notes.txt "
+                     "s3://my-bucket/notes.txt"}) {
     addObjectArgument("OBJECT", object_, CObjectArgument::Key::Needed, "The object, as s3://BUCKET/KEY");
     downloadOptions_.addTo(getParser());
     addStoreOptions();
 }
 
 void CGetObjectCommand::run() {
+    getResult().setText("object", object_->getText());
+    setOutput(downloadOptions_.getOutputName());
     const P<CS3Client> client = makeClient();
     const P<CNetRequest> request = new CNetRequest();
     const std::optional<CRangeArgument>& range = downloadOptions_.getRange();
@@ -29,7 +33,8 @@ void CGetObjectCommand::run() {
     const std::unique_ptr<CTransferLog> log = openLog();
     const std::unique_ptr<IOutput> output = openOutput(downloadOptions_.getOutputName());
     const CInterruptGuard interruptGuard;
-    CProgressDisplay display(isStandardErrorTerminal() && !output->isTerminal());
+    const CTransferResult result(getResult(), *request);
+    CProgressDisplay display(showsProgress() && !output->isTerminal());
     CProgressLine line(display, object_->getText());
     runLogged(log.get(), *request, [&] {
         download(*client, *request, *output, line);

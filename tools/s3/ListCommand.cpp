@@ -24,6 +24,7 @@ struct Entry {
     std::string key;
     std::string size = "-";
     std::string time = "-";
+    P<CS3ListObjectsElement> object = nullptr; // null for a common prefix
 };
 
 /// Objects and common prefixes of a page in the order of their names.
@@ -31,11 +32,25 @@ std::vector<Entry> getEntries(const CS3ListObjectsResult& page) {
     std::vector<Entry> entries;
     for (const P<CS3ListObjectsElement>& object : page.getObjects())
         entries.push_back({object->getKey().toUTF8(), String::fromInt(object->getSize()).toUTF8(),
-                           toTerminalLine(object->getLastModified())});
-    for (const String& prefix : page.getCommonPrefixes()) entries.push_back({prefix.toUTF8()});
+                           toTerminalLine(object->getLastModified()), object});
+    for (const String& prefix : page.getCommonPrefixes()) entries.push_back({.key = prefix.toUTF8()});
     std::stable_sort(entries.begin(), entries.end(),
                      [](const Entry& left, const Entry& right) { return left.key < right.key; });
     return entries;
+}
+
+/// A line of the listing for programs.
+std::string describeForPrograms(const Entry& entry) {
+    CJSONObject object;
+    if (!entry.object) {
+        object.setText("prefix", String(entry.key));
+        return object.toLine();
+    }
+    object.setText("key", entry.object->getKey());
+    object.setInteger("size", entry.object->getSize());
+    object.setText("modified", entry.object->getLastModified());
+    object.setText("etag", entry.object->getETag());
+    return object.toLine();
 }
 
 std::string describe(const Entry& entry, bool isForTerminal) {
@@ -57,7 +72,9 @@ String getNextMarker(const CS3ListObjectsResult& page, const std::vector<Entry>&
 } // namespace
 
 CListCommand::CListCommand(CLI::App& group)
-    : CStoreCommand(group, "ls", "List the objects of a bucket: size, time and key") {
+    : CStoreCommand(group, "ls", "List the objects of a bucket: size, time and key",
+                    {"vantra s3 ls --access-key AKIAEXAMPLE --secret-key-file key.txt --delimiter / "
+                     "s3://my-bucket/2026/"}) {
     addObjectArgument("BUCKET", place_, CObjectArgument::Key::Optional,
                       "The bucket, as s3://BUCKET, or s3://BUCKET/PREFIX");
     addListOptions();
@@ -115,7 +132,8 @@ void CListCommand::list(CS3Client& client, CNetRequest& request, IOutput& output
         const P<CS3ListObjectsResult> page = fetchPage(client, request, marker, log);
         const std::vector<Entry> entries = getEntries(*page);
         std::string lines;
-        for (const Entry& entry : entries) lines += describe(entry, output.isTerminal());
+        for (const Entry& entry : entries)
+            lines += wantsJSON() ? describeForPrograms(entry) : describe(entry, output.isTerminal());
         output.write(lines);
         if (!page->isTruncated()) return;
         const String next = getNextMarker(*page, entries);

@@ -5,7 +5,7 @@
 #include "FileArgument.h"
 #include "Input.h"
 #include "Interrupt.h"
-#include "Terminal.h"
+#include "TransferResult.h"
 
 #include <kel/Buffer.h>
 
@@ -25,7 +25,10 @@ constexpr std::size_t mostBytes = std::numeric_limits<int>::max();
 
 } // namespace
 
-CPutObjectCommand::CPutObjectCommand(CLI::App& group) : CStoreCommand(group, "put", "Upload a file") {
+CPutObjectCommand::CPutObjectCommand(CLI::App& group)
+    : CStoreCommand(group, "put", "Upload a file",
+                    {"vantra s3 put --access-key AKIAEXAMPLE --secret-key-file key.txt -f notes.txt "
+                     "s3://my-bucket/notes.txt"}) {
     addObjectArgument("OBJECT", object_, CObjectArgument::Key::Needed,
                       "The object to make or replace, as s3://BUCKET/KEY");
     addFile();
@@ -58,6 +61,8 @@ void CPutObjectCommand::addContentType() {
 void CPutObjectCommand::run() {
     if (file_ == "-" && readsStandardInput())
         throw CUsageError("--file: standard input holds the secret key already");
+    getResult().setText("object", object_->getText());
+    getResult().setText("file", file_);
     const CInterruptGuard interruptGuard; // ahead of the input, for which one may have to wait
     const P<CS3Client> client = makeClient();
     const P<TBuffer<unsigned char>> content = readInput(file_, mostBytes); // its digest goes ahead of it
@@ -66,7 +71,8 @@ void CPutObjectCommand::run() {
                                     static_cast<int>(content->getUsed()), contentType_);
     applyTo(*request);
     const std::unique_ptr<CTransferLog> log = openLog();
-    CProgressDisplay display(isStandardErrorTerminal());
+    const CTransferResult result(getResult(), *request);
+    CProgressDisplay display(showsProgress());
     CProgressLine line(display, file_);
     runLogged(log.get(), *request, [&] {
         runStoreTransfer(*request, object_->getText(), &line, [&] { client->performRequest(*request); });

@@ -2,7 +2,9 @@
 
 #include "ArgumentText.h"
 #include "Errors.h"
+#include "FileArgument.h"
 #include "PasswordFile.h"
+#include "RefusedSecret.h"
 #include "TransferFailure.h"
 #include "TransferMonitor.h"
 
@@ -16,8 +18,9 @@ using kel::CError;
 using kel::P;
 using kel::String;
 
-CStoreCommand::CStoreCommand(CLI::App& group, const std::string& name, const std::string& description)
-    : CVerb(group, name, description) {}
+CStoreCommand::CStoreCommand(CLI::App& group, const std::string& name, const std::string& description,
+                             const std::vector<std::string>& examples)
+    : CVerb(group, name, description, examples) {}
 
 void CStoreCommand::addObjectArgument(const std::string& name, std::optional<CObjectArgument>& argument,
                                       CObjectArgument::Key key, const std::string& description) {
@@ -64,12 +67,12 @@ void CStoreCommand::addKeyOptions() {
         .add_option_function<std::string>(
             "--secret-key-file",
             [this](const std::string& argument) {
-                secretKeyFile_ = toArgumentText("--secret-key-file", argument);
-                if (secretKeyFile_.isEmpty()) throw CUsageError("--secret-key-file: must not be empty");
+                secretKeyFile_ = parseFileArgument("--secret-key-file", argument);
             },
             "File whose only line is the secret key; - for standard input")
         ->type_name("FILE")
         ->required();
+    addRefusedSecret(getParser(), "--secret-key", "--secret-key-file");
 }
 
 void CStoreCommand::addRetriesOption() {

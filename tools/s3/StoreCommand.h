@@ -17,6 +17,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace vantra::tool {
 
@@ -24,7 +25,8 @@ namespace vantra::tool {
 /// --secret-key-file, --retries, and those of connections and logs.
 class CStoreCommand : public CVerb {
 protected:
-    CStoreCommand(CLI::App& group, const std::string& name, const std::string& description);
+    CStoreCommand(CLI::App& group, const std::string& name, const std::string& description,
+                  const std::vector<std::string>& examples);
 
     /// Adds a positional argument for a bucket or an object.
     void addObjectArgument(const std::string& name, std::optional<CObjectArgument>& argument,

@@ -31,8 +31,8 @@ Script ftpScript(const std::string& user, const std::string& password, std::uint
         .send("200 binary\r\n");
 }
 
-std::string ftpURL(const ScriptedServer& server, const std::string& login = "") {
-    return "ftp://" + login + "127.0.0.1:" + std::to_string(server.port()) + "/file.bin";
+std::string ftpURL(const ScriptedServer& server) {
+    return "ftp://127.0.0.1:" + std::to_string(server.port()) + "/file.bin";
 }
 
 } // namespace
@@ -49,7 +49,7 @@ TEST(ToolFTP, FetchesAFile) {
                     .send("226 done\r\n")
                     .expectLine("QUIT")
                     .send("221 bye\r\n"));
-    EXPECT_EQ(runTool({"get", "--user", "me", "--password", "secret", ftpURL(server)}),
+    EXPECT_EQ(runTool({"get", "--user", "me", "--password-file", "-", ftpURL(server)}, "secret"),
               succeeded(std::string("ftp\0\n", 5)));
     EXPECT_THAT(server.finish(), IsEmpty());
     EXPECT_THAT(data.finish(), IsEmpty());
@@ -96,7 +96,7 @@ TEST(ToolFTP, TellsTheServersReplyWhenTheLoginIsRefused) {
                     .expectLine("PASS wrong")
                     .send("530 Login incorrect.\r\n")
                     .stall());
-    EXPECT_EQ(runTool({"get", ftpURL(server, "me:wrong@")}),
+    EXPECT_EQ(runTool({"get", "--user", "me", "--password-file", "-", ftpURL(server)}, "wrong"),
               failed(ftpURL(server) +
                      ": Login denied: Access denied: 530 (response code: ftp 530): 530 Login incorrect."));
 }
@@ -136,8 +136,9 @@ TEST(ToolFTP, LogsNoPassword) {
     ScriptedFtpServer server;
     server.sendAsData("0123456789");
     TempDir folder;
-    const Outcome outcome = runTool({"get", "--log", folder.file("log"), "--user", "me", "--password",
-                                     "secret", "ftp://" + server.host() + "/file.bin"});
+    const Outcome outcome = runTool({"get", "--log", folder.file("log"), "--user", "me", "--password-file",
+                                     "-", "ftp://" + server.host() + "/file.bin"},
+                                    "secret");
     EXPECT_EQ(outcome, succeeded("0123456789"));
     EXPECT_THAT(server.commands(), testing::Contains("PASS secret"));
     const std::string log = folder.readFile("log");

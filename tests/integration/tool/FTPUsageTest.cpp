@@ -35,12 +35,12 @@ TEST(ToolFTPUsage, RefusesOptionsThatDoNotFit) {
     for (const char* kind : {"none", "explicit"})
         EXPECT_EQ(runTool({"ftp", "ls", "--tls", kind, "ftps://h/"}),
                   refused("--tls: an ftps URL means implicit TLS"));
-    EXPECT_EQ(runTool({"ftp", "ls", "--user", "u", "ftp://v:w@h/"}),
-              refused("--user: the URL holds a login already"));
+    EXPECT_EQ(runTool({"ftp", "ls", "--user", "u", "ftp://v@h/"}),
+              refused("--user: the URL names a user already"));
     EXPECT_EQ(runTool({"ftp", "put", "ftp://h/a/", "file"}), refused("URL: must name a file"));
     for (const char* other : {"ftp://other/b", "ftp://h:21/b", "ftps://h/b"})
         EXPECT_EQ(runTool({"ftp", "mv", "ftp://h/a", other}), refused("NEWURL: must be on the same server"));
-    EXPECT_EQ(runTool({"ftp", "mv", "ftp://h/a", "ftp://u:p@h/b"}), refused("NEWURL: must not hold a login"));
+    EXPECT_EQ(runTool({"ftp", "mv", "ftp://h/a", "ftp://u@h/b"}), refused("NEWURL: must not hold a login"));
 }
 
 TEST(ToolFTPUsage, LogsInAsTheURLSaysOrAsAnonymous) {
@@ -48,8 +48,8 @@ TEST(ToolFTPUsage, LogsInAsTheURLSaysOrAsAnonymous) {
     EXPECT_EQ(runTool({"ftp", "rm", "ftp://" + server.host() + "/a"}), succeeded(""));
     EXPECT_THAT(server.commands(0),
                 ElementsAre("USER anonymous", "PASS ftp@example.com", "PWD", "DELE /a", "QUIT"));
-    EXPECT_EQ(runTool({"ftp", "rm", "ftp://me:secret%21@" + server.host() + "//b"}), succeeded(""));
-    EXPECT_THAT(server.commands(1), ElementsAre("USER me", "PASS secret!", "PWD", "DELE /b", "QUIT"));
+    EXPECT_EQ(runTool({"ftp", "rm", "ftp://me%21@" + server.host() + "//b"}), succeeded(""));
+    EXPECT_THAT(server.commands(1), ElementsAre("USER me!", "PASS ", "PWD", "DELE /b", "QUIT"));
 }
 
 TEST(ToolFTPUsage, ShowsNamesThatDoNothingToATerminalAsTheyAreInAPipe) {

@@ -215,12 +215,13 @@ TEST_P(ToolFtp, TakesNamesThatURLsEncode) {
 }
 
 TEST_P(ToolFtp, TellsThatTheLoginIsRefused) {
-    const Outcome outcome =
-        runTool({"ftp", "ls", "--user", "user", "--password", "wrong", "--cacert", server().caFile(), "--tls",
-                 GetParam().security == FtpSecurity::none          ? "none"
-                 : GetParam().security == FtpSecurity::explicitTls ? "explicit"
-                                                                   : "implicit",
-                 url("")});
+    const Outcome outcome = runTool({"ftp", "ls", "--user", "user", "--password-file", "-", "--cacert",
+                                     server().caFile(), "--tls",
+                                     GetParam().security == FtpSecurity::none          ? "none"
+                                     : GetParam().security == FtpSecurity::explicitTls ? "explicit"
+                                                                                       : "implicit",
+                                     url("")},
+                                    "wrong");
     expectFailure(outcome, url(""), "530 ");
 }
 

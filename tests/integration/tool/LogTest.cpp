@@ -60,9 +60,9 @@ TEST(ToolLog, IsWrittenWhenTheTransferFails) {
 TEST(ToolLog, HoldsNoPassword) {
     NginxServer& server = webServer();
     TempDir folder;
-    std::string url = server.url("/basic/hello.txt");
-    url.insert(std::string("http://").size(), "user:secret@");
-    EXPECT_EQ(runTool({"get", "--log", folder.file("log.xml"), "--header", "X-Authorization: token", url}),
+    EXPECT_EQ(runTool({"get", "--log", folder.file("log.xml"), "--header", "X-Authorization: token", "--user",
+                       "user", "--password-file", "-", server.url("/basic/hello.txt")},
+                      "secret"),
               succeeded(NginxServer::helloContent()));
     const std::string log = folder.readFile("log.xml");
     EXPECT_THAT(log, HasSubstr("\nAuthorization: ~stripped~\n"));

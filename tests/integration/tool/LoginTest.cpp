@@ -27,12 +27,9 @@ std::optional<std::string> getAuthorization(std::vector<std::string> arguments,
 TEST(ToolLogin, OpensAProtectedFile) {
     NginxServer& server = webServer();
     const std::string url = server.url("/basic/hello.txt");
-    EXPECT_EQ(runTool({"get", "--user", NginxServer::userName(), "--password", NginxServer::password(), url}),
+    EXPECT_EQ(runTool({"get", "--user", NginxServer::userName(), "--password-file", "-", url},
+                      NginxServer::password()),
               succeeded(NginxServer::helloContent()));
-    std::string withLogin = url;
-    withLogin.insert(std::string("http://").size(),
-                     NginxServer::userName() + ":" + NginxServer::password() + "@");
-    EXPECT_EQ(runTool({"get", withLogin}), succeeded(NginxServer::helloContent()));
 }
 
 TEST(ToolLogin, IsRefusedWhenMissingOrWrong) {
@@ -41,16 +38,43 @@ TEST(ToolLogin, IsRefusedWhenMissingOrWrong) {
     const Outcome expected = failed(
         url + ": HTTP/1.1 401 Unauthorized: 401 Authorization Required 401 Authorization Required nginx");
     EXPECT_EQ(runTool({"get", url}), expected);
-    EXPECT_EQ(runTool({"get", "--user", NginxServer::userName(), "--password", "wrong", url}), expected);
+    EXPECT_EQ(runTool({"get", "--user", NginxServer::userName(), "--password-file", "-", url}, "wrong"),
+              expected);
 }
 
 TEST(ToolLogin, SendsUTF8) {
-    EXPECT_EQ(getAuthorization({"--user", "\xC3\xBC", "--password", "\xE2\x82\xAC:x"}), "Basic w7w64oKsOng=");
+    EXPECT_EQ(getAuthorization({"--user", "\xC3\xBC", "--password-file", "-"}, "\xE2\x82\xAC:x"),
+              "Basic w7w64oKsOng=");
 }
 
 TEST(ToolLogin, HasAnEmptyPasswordUnlessOneIsGiven) {
     EXPECT_EQ(getAuthorization({"--user", "u"}), "Basic dTo=");
-    EXPECT_EQ(getAuthorization({"--user", "u", "--password", ""}), "Basic dTo=");
+}
+
+TEST(ToolLogin, TakesTheUserFromTheURLAndNoPassword) {
+    ScriptedServer server;
+    server.play(Script().expectRequest().send(okResponse("body")));
+    const std::string address = "127.0.0.1:" + std::to_string(server.port()) + "/";
+    EXPECT_EQ(runTool({"get", "http://%C3%BC@" + address}), succeeded("body"));
+    EXPECT_EQ(server.requests().at(0).header("Authorization"), "Basic w7w6");
+    const Outcome expected =
+        refused("URL: must not hold a password, since others can read the command line; use "
+                "--user and --password-file");
+    for (const char* login : {"u:secret", ":secret", "u:%00"})
+        EXPECT_EQ(runTool({"get", "http://" + std::string(login) + "@" + address}), expected) << login;
+}
+
+TEST(ToolLogin, IsNeverTakenFromTheCommandLine) {
+    const Outcome expected =
+        refused("--password: others can read the command line; put the secret into a file "
+                "and name that with --password-file");
+    EXPECT_EQ(runTool({"get", "--user", "u", "--password", "secret", "http://127.0.0.1:1/"}), expected);
+    EXPECT_EQ(runTool({"ftp", "ls", "ftp://127.0.0.1:1/", "--password=secret"}), expected);
+    EXPECT_EQ(runTool({"mail", "test", "--password", "secret"}), expected);
+    EXPECT_EQ(
+        runTool({"s3", "rm", "s3://bucket/key", "--secret-key", "secret"}),
+        refused("--secret-key: others can read the command line; put the secret into a file and name that "
+                "with --secret-key-file"));
 }
 
 TEST(ToolLogin, TakesThePasswordFromAFile) {

@@ -45,7 +45,8 @@ TEST(ToolMailTest, SaysWhatDoesNotWork) {
     const SmtpPorts& ports = mailServer().ports();
     EXPECT_EQ(
         runTool({"mail", "test", "--server", serverAt(ports.plain), "--tls", "none", "--user", "user",
-                 "--password", "wrong"}),
+                 "--password-file", "-"},
+                "wrong"),
         failed("smtp://" + serverAt(ports.plain) +
                ": Login denied (response code: smtp 535): 535 5.7.8 Authentication credentials invalid"));
     EXPECT_EQ(

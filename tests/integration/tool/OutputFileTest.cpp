@@ -200,3 +200,13 @@ TEST(ToolOutputFile, IsGivenUpWhenItCannotBeWritten) {
     EXPECT_EQ(folder.readFile("out"), "old");
     EXPECT_THAT(filesIn(folder.path()), ElementsAre("out"));
 }
+
+TEST(ToolOutputFile, WhoseNameIsTooLongIsRefusedBeforeTheTransfer) {
+    ScriptedServer server; // would note a connection as an error
+    TempDir folder;
+    const std::string file = folder.file(std::string(300, 'a'));
+    EXPECT_EQ(runTool({"get", "-o", file, server.url()}),
+              failed("Error creating file '" + file + "': File name too long."));
+    EXPECT_THAT(filesIn(folder.path()), IsEmpty());
+    EXPECT_THAT(server.finish(), IsEmpty());
+}

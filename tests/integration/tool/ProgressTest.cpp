@@ -20,15 +20,22 @@ constexpr std::chrono::seconds waitLimit{20};
 class HeldDownload {
 public:
     explicit HeldDownload(const std::string& head = "HTTP/1.1 200 OK\r\nContent-Length: 8\r\n\r\n",
-                          const std::string& terminalType = "xterm")
+                          const std::string& terminalType = "xterm",
+                          const std::vector<std::string>& arguments = {})
         : latch_(std::make_shared<Latch>()) {
         server_.play(Script().expectRequest().send(head + "half").waitFor(latch_).send("done").close());
         ChildOptions options;
         options.environment = toolEnvironment();
         options.environment["TERM"] = terminalType;
-        tool_.emplace(std::vector<std::string>{"bash", "-c", "exec \"$TOOL\" get -o \"$1\" \"$2\" 2>\"$3\"",
-                                               "bash", folder_.file("out"), server_.url(), terminal_.path()},
-                      options);
+        std::vector<std::string> command{"bash",
+                                         "-c",
+                                         "exec \"$TOOL\" get -o \"$1\" \"$2\" \"${@:4}\" 2>\"$3\"",
+                                         "bash",
+                                         folder_.file("out"),
+                                         server_.url(),
+                                         terminal_.path()};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        tool_.emplace(command, options);
     }
 
     /// What is shown while the download is held.
@@ -88,6 +95,15 @@ TEST(ToolProgress, IsNotShownOnATerminalThatCannotMoveItsCursor) {
         EXPECT_EQ(download.finish(), 0);
         EXPECT_EQ(download.terminal().written(), "");
     }
+}
+
+TEST(ToolProgress, IsNotShownToAUserWhoWantsQuiet) {
+    HeldDownload download("HTTP/1.1 404 Not Found\r\nContent-Length: 8\r\n\r\n", "xterm", {"--quiet"});
+    ASSERT_TRUE(download.waitUntilHeld());
+    EXPECT_EQ(download.finish(), 1);
+    const std::string message = "vantra: " + download.url() + ": HTTP/1.1 404 Not Found: halfdone\n";
+    EXPECT_EQ(download.waitForScreen(message), message);
+    EXPECT_EQ(download.terminal().written().find('\x1b'), std::string::npos);
 }
 
 TEST(ToolProgress, IsNotShownWhenTheBodyGoesToATerminal) {

@@ -63,7 +63,7 @@ TEST(ToolRedirect, CarriesNoLoginToAnotherServer) {
     server.play(Script().expectRequest().send(
         "HTTP/1.1 302 Found\r\nLocation: http://localhost:" + std::to_string(other.port()) +
         "/\r\nContent-Length: 0\r\n\r\n"));
-    EXPECT_EQ(runTool({"get", "--user", "u", "--password", "p", server.url()}), succeeded("body"));
+    EXPECT_EQ(runTool({"get", "--user", "u", "--password-file", "-", server.url()}, "p"), succeeded("body"));
     EXPECT_EQ(server.requests().at(0).header("Authorization"), "Basic dTpw");
     EXPECT_EQ(other.requests().at(0).header("Authorization"), std::nullopt);
 }

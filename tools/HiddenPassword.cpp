@@ -1,0 +1,41 @@
+#include "HiddenPassword.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace vantra::tool {
+
+using kel::String;
+
+namespace {
+
+constexpr std::wstring_view authorityStart = L"://";
+constexpr std::wstring_view authorityEnds = L"/?#'\" ";
+
+/// The authority of a URL, without the password of its login (RFC 3986 §3.2.1).
+String hidePassword(std::wstring_view authority) {
+    const std::size_t at = authority.rfind(L'@');
+    const std::size_t colon = authority.find(L':');
+    if (at == std::wstring_view::npos || colon >= at) return String(std::wstring(authority));
+    return String(std::wstring(authority.substr(0, colon + 1))) + "~stripped~" +
+           String(std::wstring(authority.substr(at)));
+}
+
+} // namespace
+
+String hidePasswords(const String& text) {
+    std::wstring_view rest = text.view();
+    String shown;
+    for (;;) {
+        const std::size_t start = rest.find(authorityStart);
+        if (start == std::wstring_view::npos) break;
+        const std::size_t afterStart = start + authorityStart.size();
+        const std::size_t end = std::min(rest.find_first_of(authorityEnds, afterStart), rest.size());
+        shown.append(rest.substr(0, afterStart));
+        shown += hidePassword(rest.substr(afterStart, end - afterStart));
+        rest.remove_prefix(end);
+    }
+    return shown.append(rest);
+}
+
+} // namespace vantra::tool

@@ -1,0 +1,13 @@
+/// @file HiddenPassword.h
+/// Keeping passwords out of what is shown.
+#pragma once
+
+#include <kel/String.h>
+
+namespace vantra::tool {
+
+/// The text with "~stripped~" for the password of each URL in it that holds one: what stands between the
+/// first ":" behind "://" and the last "@" ahead of the host's end.
+[[nodiscard]] kel::String hidePasswords(const kel::String& text);
+
+} // namespace vantra::tool
