@@ -1,7 +1,7 @@
 # What `cmake --install` puts where, and the package of debs made of it. Components:
 #   runtime      the shared libraries vantra and kel, whose types are part of vantra's interface
 #   development  headers, the CMake package and the pkg-config file
-#   tools        the `vantra` command
+#   tools        the `vantra` command with its manual page and completion for bash
 # sigil is linked into vantra and not installed.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
@@ -15,6 +15,9 @@ install(TARGETS vantra kel vantra_wx
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
     INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(TARGETS vantra_command RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+install(FILES tools/vantra.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+install(FILES tools/completion/vantra.bash RENAME vantra
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)
 
 install(
     DIRECTORY

@@ -3,7 +3,7 @@
 # shellcheck source=scripts/lib.sh
 . "$(dirname "$0")/lib.sh"
 
-mapfile -t files < <(tree_files .ci/run '*.sh')
+mapfile -t files < <(tree_files .ci/run '*.sh' '*.bash')
 [ ${#files[@]} -gt 0 ] || die "no shell scripts found"
 shellcheck --external-sources -- "${files[@]}" || die "shellcheck objects"
 say "${#files[@]} shell scripts pass shellcheck."

@@ -22,7 +22,8 @@ mv "$work/installed" "$work/moved"
 prefix=$work/moved
 pkgconfig=$(dirname "$(find "$prefix" -name vantra.pc)")
 libraries=$(dirname "$pkgconfig")
-for file in include/vantra/vantra.h include/vantra/Version.h include/kel/String.h include/kel/SocketSets.h bin/vantra; do
+for file in include/vantra/vantra.h include/vantra/Version.h include/kel/String.h include/kel/SocketSets.h bin/vantra \
+    share/man/man1/vantra.1 share/bash-completion/completions/vantra; do
     [ -f "$prefix/$file" ] || die "$file was not installed"
 done
 [ ! -e "$prefix/include/sigil" ] || die "headers of an internal library were installed"
