@@ -5,6 +5,7 @@
 
 #include <kel/String.h>
 
+#include <string>
 #include <string_view>
 
 namespace vantra {
@@ -12,13 +13,16 @@ namespace vantra {
 /// What the log shows in place of what it keeps back.
 inline constexpr std::wstring_view strippedLogText = L"~stripped~";
 
-/// Goes through the messages of one transfer in their order.
+/// Goes through the messages of one transfer in their order: begin() for each of them, then strip() for those
+/// whose content is shown.
 class CLogCredentials {
 public:
     /// @param isHTTP whether the transfer is HTTP; the commands that log in elsewhere mean nothing there.
     explicit CLogCredentials(bool isHTTP) noexcept : isHTTP_(isHTTP) {}
 
-    /// The text of a message, which is not data, without the credentials in it.
+    /// Looks at all bytes of the message that strip() is to be called for.
+    void begin(curl_infotype type, std::string_view bytes);
+    /// The text of the message, from its start on, without the credentials in it. A body stays as it is.
     kel::String strip(curl_infotype type, const kel::String& text);
 
 private:
@@ -26,6 +30,13 @@ private:
 
     const bool isHTTP_;
     bool isLoggingIn_ = false; // between a client's AUTH and the server's verdict
+
+    // A request whose headers libcurl cannot send all at once comes in several messages, the later ones as
+    // data.
+    bool isSendingHeaders_ = false;     // whether the headers go on in the next message sent
+    std::string unfinishedLine_;        // what the last message began of a header
+    bool continuesHeaders_ = false;     // whether the present message begins with the rest of the headers
+    bool continuesCredentials_ = false; // whether it begins with a part of such a header
 };
 
 } // namespace vantra

@@ -112,11 +112,13 @@ P<CXMLElement> CNetRequest::renderLogMessage(const CVerboseLogMessage& message, 
     if (appearance.type) element->addAttribute("type", appearance.type);
     element->addAttribute("logTime", CTimeFields(message.time).toISODateTime(3));
 
+    const std::string_view bytes(reinterpret_cast<const char*>(message.data.getData()), message.size);
+    credentials.begin(message.type, bytes);
     const std::size_t shown = std::min<std::size_t>(message.size, maxDataLength);
     String text(strippedLogText);
     if (appearance.showsContent) {
-        text = String::fromLatin1({reinterpret_cast<const char*>(message.data.getData()), shown});
-        if (appearance.isData) text = CURI::escape(text);
+        text = String::fromLatin1(bytes.substr(0, shown));
+        if (appearance.isData) text = CURI::escape(credentials.strip(message.type, text));
     }
     if (appearance.isData) element->addAttribute("bytes", String::fromUInt(message.size));
     if (shown < message.size) text += "...";

@@ -165,6 +165,47 @@ TEST_F(VerboseLogMessage, StripsItInInformationalTexts) {
               "info [T] [HTTP/2] [1] [proxy-authorization: ~stripped~");
 }
 
+/// libcurl may have to send a long request in several pieces, of which the later ones come as data.
+TEST_F(VerboseLogMessage, StripsTheAuthorizationOfARequestSentInPieces) {
+    setSettings(3, 2);
+    const std::string_view request = "GET / HTTP/1.1\r\nA: b\r\nAuthorization: ########\r\nC: d\r\n\r\n";
+    for (const curl_infotype later : {CURLINFO_DATA_OUT, CURLINFO_HEADER_OUT}) {
+        for (std::size_t cut = 1; cut < request.size(); ++cut) {
+            request_->setAsyncInfo(false, CURLE_OK);
+            debug(CURLINFO_HEADER_OUT, request.substr(0, cut));
+            debug(CURLINFO_TEXT, "in between");
+            debug(later, request.substr(cut));
+            debug(CURLINFO_DATA_OUT, "Authorization: #");
+            const std::vector<std::string> texts = getTexts();
+            ASSERT_EQ(texts.size(), 4U);
+            const std::string shown = texts[0] + texts[2];
+            EXPECT_THAT(shown, testing::HasSubstr("~stripped~")) << cut;
+            EXPECT_THAT(shown, Not(testing::HasSubstr("#"))) << cut;
+            EXPECT_THAT(shown, Not(testing::HasSubstr("%23"))) << cut;
+            EXPECT_EQ(texts[3], "Authorization%3A%20%23") << cut;
+        }
+    }
+}
+
+TEST_F(VerboseLogMessage, ShowsTheRestOfARequestSentInPiecesWithoutItsCredentials) {
+    setSettings(3, 2);
+    debug(CURLINFO_HEADER_OUT, "GET / HTTP/1.1\r\nAuthorization: Basic c2Vj");
+    debug(CURLINFO_DATA_OUT, "cmV0\r\nProxy-Authorization: Basic s\r\nA: ");
+    debug(CURLINFO_DATA_OUT, "b\r\n\r");
+    debug(CURLINFO_DATA_OUT, "\n");
+    debug(CURLINFO_DATA_OUT, "Authorization: body");
+    EXPECT_THAT(
+        getLog(),
+        ElementsAre("send [type=header logTime=2019-04-01T09:05:07.250] GET / HTTP/1.1\r\n"
+                    "Authorization: ~stripped~",
+                    "send [type=data logTime=2019-04-01T09:05:07.250 bytes=39] "
+                    "~stripped~%0AProxy-Authorization%3A%20~stripped~%0AA%3A%20",
+                    "send [type=data logTime=2019-04-01T09:05:07.250 bytes=4] b%0D%0A%0D",
+                    "send [type=data logTime=2019-04-01T09:05:07.250 bytes=1] %0A",
+                    "send [type=data logTime=2019-04-01T09:05:07.250 bytes=19] Authorization%3A%20body"));
+    EXPECT_THAT(getLog(3), Not(testing::Contains(testing::HasSubstr("cmV"))));
+}
+
 TEST_F(VerboseLogMessage, StripsThePasswordAndAccountOfAnFTPLogin) {
     request_->setURL("ftp://example.org/");
     EXPECT_EQ(render(CURLINFO_HEADER_OUT, "USER someone\r\n"), "send [type=header T] USER someone");
