@@ -24,6 +24,14 @@ OptionValue getOptionValue(CURLoption option) {
     return OptionValue::Pointer;
 }
 
+/// Whether the option's value is a text that libcurl copies. Any other pointer it keeps as it is, and would
+/// use when the text is gone.
+bool takesText(CURLoption option) {
+    if (getOptionValue(option) != OptionValue::Pointer) return false;
+    const curl_easyoption* description = curl_easy_option_by_id(option);
+    return !description || description->type == CURLOT_STRING; // libcurl itself refuses what it does not know
+}
+
 /// `long` has 32 bits on some platforms: a longer time is as good as their longest.
 long toLong(int64 value) {
     return static_cast<long>(
@@ -43,7 +51,7 @@ void CNetRequest::setURL(const String& url) {
     url_ = url;
     const String start = getLowerCasedURLStart(url);
     isHTTP_ = startsWithScheme(start, L"http:") || startsWithScheme(start, L"https:");
-    setOptionString(CURLOPT_URL, url);
+    setText(CURLOPT_URL, url);
 }
 
 String CNetRequest::getResponseCodeDomain() const {
@@ -84,7 +92,7 @@ void CNetRequest::setHTTPMethod(const String& method) {
     } else if (isHead) {
         setOption(CURLOPT_NOBODY, 1L);
     } else if (!isStandard) {
-        setOptionString(CURLOPT_CUSTOMREQUEST, method);
+        setText(CURLOPT_CUSTOMREQUEST, method);
     }
     method_ = method;
 }
@@ -121,7 +129,7 @@ void CNetRequest::setKeepPostOnRedirect(bool keep) {
 void CNetRequest::setSSLVerifyPeer(bool verify) { setOption(CURLOPT_SSL_VERIFYPEER, verify ? 1L : 0L); }
 
 void CNetRequest::setRootCertBundlePath(const kel::TPathImpl<kel::CWindowsPathTraits>& path) {
-    setOptionString(CURLOPT_CAINFO, path.getText());
+    setText(CURLOPT_CAINFO, path.getText());
 }
 
 void CNetRequest::setHTTPAuthMethods(unsigned int methods) {
@@ -130,11 +138,11 @@ void CNetRequest::setHTTPAuthMethods(unsigned int methods) {
     setOption(CURLOPT_HTTPAUTH, static_cast<long>(methods));
 }
 
-void CNetRequest::setUserName(const String& name) { setOptionString(CURLOPT_USERNAME, name); }
+void CNetRequest::setUserName(const String& name) { setText(CURLOPT_USERNAME, name); }
 
-void CNetRequest::setUserPassword(const String& password) { setOptionString(CURLOPT_PASSWORD, password); }
+void CNetRequest::setUserPassword(const String& password) { setText(CURLOPT_PASSWORD, password); }
 
-void CNetRequest::setProxy(const String& proxy) { setOptionString(CURLOPT_PROXY, proxy); }
+void CNetRequest::setProxy(const String& proxy) { setText(CURLOPT_PROXY, proxy); }
 
 void CNetRequest::setProxyForCurrentURLFromUserSettings() {
     setProxy(CProxySettings::getUserSettings()->getProxyForURL(url_));
@@ -155,7 +163,7 @@ void CNetRequest::setFTPListOverrideCommand(const String& command) {
     if (command.isEmpty()) {
         setOption(CURLOPT_CUSTOMREQUEST, static_cast<const char*>(nullptr));
     } else {
-        setOptionString(CURLOPT_CUSTOMREQUEST, command);
+        setText(CURLOPT_CUSTOMREQUEST, command);
     }
 }
 
@@ -192,8 +200,18 @@ void CNetRequest::setOptionPtr(CURLoption option, void* value) {
 }
 
 void CNetRequest::setOptionString(CURLoption option, const String& value) {
-    if (getOptionValue(option) != OptionValue::Pointer)
-        throwError(CURLE_BAD_FUNCTION_ARGUMENT, "", -1, "the option takes no text");
+    if (option == CURLOPT_POSTFIELDS || option == CURLOPT_COPYPOSTFIELDS) {
+        // The text's own length holds: libcurl would read on behind its end for one set before that is
+        // longer.
+        setOption(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(-1));
+        setText(CURLOPT_COPYPOSTFIELDS, value);
+        return;
+    }
+    if (!takesText(option)) throwError(CURLE_BAD_FUNCTION_ARGUMENT, "", -1, "the option takes no text");
+    setText(option, value);
+}
+
+void CNetRequest::setText(CURLoption option, const String& value) {
     const std::string utf8 = value.toUTF8();
     // libcurl would take such a text only up to the NUL, and so, say, another host than the caller named.
     if (utf8.find('\0') != std::string::npos)

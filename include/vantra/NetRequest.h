@@ -158,8 +158,9 @@ public:
     /// The pointer is not looked at here; it must stay valid as long as libcurl's documentation demands.
     /// @throws CCURLError with CURLE_BAD_FUNCTION_ARGUMENT for an option that takes no pointer.
     void setOptionPtr(CURLoption option, void* value);
-    /// Converted to UTF-8; libcurl keeps a copy.
-    /// @throws kel::CInvalidArgError "text contains a NUL character"; CCURLError as setOptionPtr.
+    /// Converted to UTF-8; libcurl keeps a copy, of the body in CURLOPT_POSTFIELDS too, whose length becomes
+    /// that of the text.
+    /// @throws CCURLError with CURLE_BAD_FUNCTION_ARGUMENT for an option that takes no text.
     void setOptionString(CURLoption option, const kel::String& value);
 
     // Data to send
@@ -341,7 +342,7 @@ private:
     // Settings
     template <class Value>
     void setOption(CURLoption option, Value value);
-    void setOptionStringOrNull(CURLoption option, const kel::String& value);
+    void setText(CURLoption option, const kel::String& value);
     void setTimeoutOption(CURLoption option, const kel::CTimeSpan& timeout);
     void setDefaultOptions();
 

@@ -232,11 +232,54 @@ TEST_F(RequestOption, OfNumberTakesNoText) {
     EXPECT_THAT(curl_.takeCalls(), IsEmpty());
 }
 
+TEST_F(RequestOption, OfAPointerThatLibcurlDoesNotCopyTakesNoText) {
+    for (const CURLoption option : {CURLOPT_WRITEDATA, CURLOPT_HTTPHEADER, CURLOPT_READFUNCTION,
+                                    CURLOPT_PRIVATE, CURLOPT_SSLCERT_BLOB, CURLOPT_SHARE}) {
+        curl_.takeCalls();
+        EXPECT_EQ(thrownBy([&] { request_->setOptionString(option, "text"); }),
+                  curlError(CURLE_BAD_FUNCTION_ARGUMENT, "the option takes no text"))
+            << option;
+        EXPECT_THAT(curl_.takeCalls(), IsEmpty()) << option;
+    }
+}
+
+TEST_F(RequestOption, OfABodyIsCopiedWithItsOwnLength) {
+    for (const CURLoption option : {CURLOPT_POSTFIELDS, CURLOPT_COPYPOSTFIELDS}) {
+        curl_.takeCalls();
+        request_->setOptionString(option, "a=b");
+        EXPECT_THAT(curl_.takeCalls(), ElementsAre("POSTFIELDSIZE_LARGE = -1", "COPYPOSTFIELDS = object"));
+    }
+}
+
+TEST_F(RequestOption, OfTextThatLibcurlDoesNotKnowIsReported) {
+    EXPECT_EQ(thrownBy([&] { request_->setOptionString(static_cast<CURLoption>(19999), "text"); }),
+              curlError(CURLE_UNKNOWN_OPTION, ""));
+}
+
 TEST_F(RequestOption, TakesNoTextWithANulCharacter) {
     curl_.takeCalls();
     EXPECT_EQ(thrownBy([&] { request_->setOptionString(CURLOPT_USERAGENT, String(L"a\0b", 3)); }),
               invalidArgError("CNetRequest::setOptionString", "text contains a NUL character"));
     EXPECT_THAT(curl_.takeCalls(), IsEmpty());
+}
+
+TEST_F(RequestOption, TakesNoTextWithANulCharacterFromAnySetter) {
+    const String text(L"a\0b", 3);
+    const std::vector<std::function<void()>> setters = {
+        [&] { request_->setURL(text); },
+        [&] { request_->setHTTPMethod(text); },
+        [&] { request_->setRootCertBundlePath(text); },
+        [&] { request_->setUserName(text); },
+        [&] { request_->setUserPassword(text); },
+        [&] { request_->setProxy(text); },
+        [&] { request_->setFTPListOverrideCommand(text); },
+        [&] { request_->setOptionString(CURLOPT_POSTFIELDS, text); },
+    };
+    for (std::size_t i = 0; i < setters.size(); ++i) {
+        EXPECT_EQ(thrownBy(setters[i]),
+                  invalidArgError("CNetRequest::setOptionString", "text contains a NUL character"))
+            << i;
+    }
 }
 
 TEST_F(RequestOption, ThatLibcurlDoesNotKnowIsReported) {

@@ -102,6 +102,18 @@ TEST_F(WireMethod, PostAfterTheDataSendsItToo) {
                   "a=b");
 }
 
+TEST_F(WireMethod, PostSendsABodyGivenAsAnOption) {
+    const std::string form(300, 'f');
+    const std::string headers = "Content-Length: 300\r\nContent-Type: application/x-www-form-urlencoded\r\n";
+    for (const CURLoption option : {CURLOPT_POSTFIELDS, CURLOPT_COPYPOSTFIELDS}) {
+        request_->setHTTPMethod("POST");
+        request_->setSendDataSize(100000); // of a body before
+        request_->setOptionString(option, String(form));
+        EXPECT_EQ(performAndGetBytes(), head("POST", headers) + form);
+        request_->setOptionPtr(CURLOPT_POSTFIELDS, nullptr);
+    }
+}
+
 TEST_F(WireMethod, PostOfUnknownLengthSendsChunks) {
     request_->setHTTPMethod("POST");
     const P<CRecordingSource> source = new CRecordingSource("0123456789");
