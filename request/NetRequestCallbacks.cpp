@@ -11,6 +11,7 @@ namespace vantra {
 
 using kel::CStdExceptionError;
 using kel::int64;
+using kel::P;
 using kel::String;
 using kel::TMap;
 
@@ -43,12 +44,13 @@ void CNetRequest::storePendingError() noexcept {
 
 std::size_t CNetRequest::writeHandler(const char* data, std::size_t size, std::size_t nmemb) noexcept {
     const std::size_t length = size * nmemb;
-    if (!receiveSink_) return length;
+    const P<IDataSink> sink = receiveSink_; // it may replace itself
+    if (!sink) return length;
     try {
         if (httpStatusCode_ == -1 && isHTTP_) settleStatusCode();
         static const TMap<String, String> noHeaders;
-        receiveSink_->write(data, static_cast<unsigned int>(length), httpStatusCode_,
-                            sinkReadsHeaders_ ? getResponseHeaderMap() : noHeaders);
+        sink->write(data, static_cast<unsigned int>(length), httpStatusCode_,
+                    sinkReadsHeaders_ ? getResponseHeaderMap() : noHeaders);
         return length;
     } catch (...) {
         storePendingError();
@@ -85,23 +87,25 @@ std::size_t CNetRequest::limitToSendData(std::size_t length) const noexcept {
 
 std::size_t CNetRequest::readSendData(char* buffer, std::size_t length) {
     if (length == 0) return 0;
+    const P<IDataSource> source = sendDataSource_; // it may replace itself
     const unsigned int count =
-        sendDataSource_->read(buffer, static_cast<unsigned int>(length), getResponseHeaderMap());
+        source->read(buffer, static_cast<unsigned int>(length), getResponseHeaderMap());
     sendDataPosition_ += count;
     return count;
 }
 
 int CNetRequest::seekHandler(int64 offset, int origin) noexcept {
-    if (!sendDataSource_) return CURL_SEEKFUNC_FAIL;
+    const P<IDataSource> source = sendDataSource_; // it may replace itself
+    if (!source) return CURL_SEEKFUNC_FAIL;
     try {
         switch (origin) {
         case SEEK_SET:
             break;
         case SEEK_CUR:
-            offset += sendDataSource_->getPosition();
+            offset += source->getPosition();
             break;
         case SEEK_END: {
-            const int64 size = sendDataSource_->getSize();
+            const int64 size = source->getSize();
             if (size == -1) return CURL_SEEKFUNC_FAIL;
             offset += size;
             break;
@@ -109,7 +113,7 @@ int CNetRequest::seekHandler(int64 offset, int origin) noexcept {
         default:
             return CURL_SEEKFUNC_FAIL;
         }
-        sendDataSource_->seek(offset);
+        source->seek(offset);
         sendDataPosition_ = offset;
         return CURL_SEEKFUNC_OK;
     } catch (...) {

@@ -180,6 +180,30 @@ TEST_F(WriteCallback, KeepsTheFirstErrorOfTheSink) {
     EXPECT_EQ(takePendingError().message, "first");
 }
 
+TEST_F(WriteCallback, LetsTheSinkReplaceItself) {
+    static std::atomic<int> alive; // outlives the request
+    alive = 0;
+    class CReplacingSink : public CRecordingSink {
+    public:
+        CReplacingSink(std::atomic<int>* count, CNetRequest& request)
+            : CRecordingSink(count), request_(request) {}
+        void write(const void* data, unsigned int length, int status, const HeaderMap& headers) override {
+            request_.setDefaultReceiveDataStream();
+            EXPECT_EQ(alive, 1); // as long as it runs
+            CRecordingSink::write(data, length, status, headers);
+        }
+
+    private:
+        CNetRequest& request_;
+    };
+    curl().headers({"HTTP/1.1 200 OK\r\n"});
+    request_->setReceiveDataSink(new CReplacingSink(&alive, *request_));
+    EXPECT_EQ(curl().write("first"), 5U);
+    EXPECT_EQ(alive, 0);
+    EXPECT_EQ(curl().write("second"), 6U);
+    EXPECT_EQ(getBody(*request_), "second");
+}
+
 // Read
 
 TEST_F(ReadCallback, GivesTheSourcesBytesAndTheHeadersSoFar) {
@@ -248,6 +272,40 @@ TEST_F(ReadCallback, AbortsAndStoresWhatTheSourceThrows) {
 }
 
 // Seek
+
+TEST_F(SeekCallback, LetsTheSourceReplaceItself) {
+    static std::atomic<int> alive; // outlives the request
+    alive = 0;
+    class CReplacingSource : public CRecordingSource {
+    public:
+        CReplacingSource(std::atomic<int>* count, CNetRequest& request)
+            : CRecordingSource("0123456789", count), request_(request) {}
+        unsigned int read(void* buffer, unsigned int maxLength, const HeaderMap& headers) override {
+            giveWay();
+            return CRecordingSource::read(buffer, maxLength, headers);
+        }
+        void seek(int64 newPosition) override {
+            giveWay();
+            CRecordingSource::seek(newPosition);
+        }
+
+    private:
+        void giveWay() {
+            request_.setSendDataSource(nullptr);
+            EXPECT_EQ(alive, 1); // as long as it runs
+        }
+
+        CNetRequest& request_;
+    };
+    request_->setSendDataSource(new CReplacingSource(&alive, *request_));
+    EXPECT_EQ(curl().seek(3, 0), CURL_SEEKFUNC_OK);
+    EXPECT_EQ(alive, 0);
+    request_->setSendDataSource(new CReplacingSource(&alive, *request_));
+    char buffer[4];
+    EXPECT_EQ(curl().read(buffer, 1, 4), 4U);
+    EXPECT_EQ(alive, 0);
+    EXPECT_EQ(curl().read(buffer, 1, 4), 0U);
+}
 
 TEST_F(SeekCallback, FromTheStartSeeksTheOffset) {
     EXPECT_EQ(curl().seek(3, 0), CURL_SEEKFUNC_OK);
