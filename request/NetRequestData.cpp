@@ -1,6 +1,8 @@
 #include "request/OptionSetter.h"
 #include "vantra/NetRequest.h"
 
+#include <limits>
+
 namespace vantra {
 
 using kel::CInvalidArgError;
@@ -91,8 +93,13 @@ void CNetRequest::setSendDataAsUTF8(const String& text) {
 
 void CNetRequest::setRange(int64 offset, int64 length) {
     String range = String::fromInt(offset) + "-";
-    if (length != -1) range += String::fromInt(offset + length - 1);
-    setOptionString(CURLOPT_RANGE, range);
+    if (length != -1) {
+        // Beyond the largest number is as good as up to it.
+        constexpr int64 largest = std::numeric_limits<int64>::max();
+        const bool isBeyond = offset > 0 && length > largest - offset;
+        range += String::fromInt(isBeyond ? largest : offset + length - 1);
+    }
+    setText(CURLOPT_RANGE, range);
 }
 
 void CNetRequest::setCustomHTTPHeaders(CNetHeaders* headers) {

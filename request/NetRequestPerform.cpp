@@ -57,18 +57,18 @@ int CNetRequest::getResponseCode() const {
 
 int CNetRequest::getInfoLong(CURLINFO info) const {
     long value = 0;
-    const bool isLong = (static_cast<int>(info) & CURLINFO_TYPEMASK) == CURLINFO_LONG;
-    const CURLcode result =
-        isLong ? curl_easy_getinfo(handle_.get(), info, &value) : CURLE_BAD_FUNCTION_ARGUMENT;
+    if ((static_cast<int>(info) & CURLINFO_TYPEMASK) != CURLINFO_LONG)
+        throwError(CURLE_BAD_FUNCTION_ARGUMENT, "", -1, "the information is no integer");
+    const CURLcode result = curl_easy_getinfo(handle_.get(), info, &value);
     if (result != CURLE_OK) throwError(result, "", -1, "");
     return static_cast<int>(value);
 }
 
 double CNetRequest::getInfoDouble(CURLINFO info) const {
     double value = 0;
-    const bool isDouble = (static_cast<int>(info) & CURLINFO_TYPEMASK) == CURLINFO_DOUBLE;
-    const CURLcode result =
-        isDouble ? curl_easy_getinfo(handle_.get(), info, &value) : CURLE_BAD_FUNCTION_ARGUMENT;
+    if ((static_cast<int>(info) & CURLINFO_TYPEMASK) != CURLINFO_DOUBLE)
+        throwError(CURLE_BAD_FUNCTION_ARGUMENT, "", -1, "the information is no floating-point number");
+    const CURLcode result = curl_easy_getinfo(handle_.get(), info, &value);
     if (result != CURLE_OK) throwError(result, "", -1, "");
     return value;
 }

@@ -99,7 +99,7 @@ void CNetRequest::setHTTPMethod(const String& method) {
 
 void CNetRequest::setTimeoutOption(CURLoption option, const CTimeSpan& timeout) {
     // libcurl would read a negative number as an enormous one.
-    if (timeout < CTimeSpan()) throwError(CURLE_BAD_FUNCTION_ARGUMENT, "", -1, "");
+    if (timeout < CTimeSpan()) throwError(CURLE_BAD_FUNCTION_ARGUMENT, "", -1, "the time is negative");
     setOption(option, timeout.isInfinite() ? 0L : toLong(timeout.getMilliseconds()));
 }
 
@@ -117,7 +117,9 @@ void CNetRequest::setLowSpeedLimit(int bytesPerSecond, const CTimeSpan& time) {
     const int64 wholeSeconds = microseconds / microsecondsPerSecond;
     const int64 startedSecond = microseconds % microsecondsPerSecond > 0 ? 1 : 0;
     setOption(CURLOPT_LOW_SPEED_LIMIT, static_cast<long>(bytesPerSecond));
-    setOption(CURLOPT_LOW_SPEED_TIME, toLong(wholeSeconds + startedSecond));
+    // libcurl counts in milliseconds, in a `long` too.
+    constexpr int64 longestTime = std::numeric_limits<long>::max() / 1000;
+    setOption(CURLOPT_LOW_SPEED_TIME, toLong(std::min(wholeSeconds + startedSecond, longestTime)));
 }
 
 void CNetRequest::setFollowRedirects(bool follow) { setOption(CURLOPT_FOLLOWLOCATION, follow ? 1L : 0L); }

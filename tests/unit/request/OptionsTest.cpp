@@ -8,7 +8,9 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <limits>
 #include <ostream>
+#include <vector>
 
 namespace vantra::test {
 
@@ -143,6 +145,13 @@ const SetterCase setterCases[] = {
     {"RangeAboveFourGigabytes",
      [](CNetRequest& r) { r.setRange(5000000000, 5000000000); },
      {"RANGE = \"5000000000-9999999999\""}},
+    {"RangeOfNoLength", [](CNetRequest& r) { r.setRange(5, 0); }, {"RANGE = \"5-4\""}},
+    {"RangeUpToTheLargestNumber",
+     [](CNetRequest& r) { r.setRange(1, std::numeric_limits<kel::int64>::max()); },
+     {"RANGE = \"1-9223372036854775807\""}},
+    {"RangeBeyondTheLargestNumber",
+     [](CNetRequest& r) { r.setRange(10, std::numeric_limits<kel::int64>::max()); },
+     {"RANGE = \"10-9223372036854775807\""}},
 
     {"Verbose", [](CNetRequest& r) { r.setVerbose(true); }, {"VERBOSE = 1"}},
     {"NotVerbose", [](CNetRequest& r) { r.setVerbose(false); }, {"VERBOSE = 0"}},
@@ -289,11 +298,18 @@ TEST_F(RequestOption, ThatLibcurlDoesNotKnowIsReported) {
 
 TEST_F(RequestOption, OutOfItsRangeIsReported) {
     const Thrown refused = curlError(CURLE_BAD_FUNCTION_ARGUMENT, "");
-    EXPECT_EQ(thrownBy([&] { request_->setConnectTimeout(CTimeSpan::fromMilliseconds(-1)); }), refused);
-    EXPECT_EQ(thrownBy([&] { request_->setFullRequestTimeout(CTimeSpan::fromMilliseconds(-1)); }), refused);
     EXPECT_EQ(thrownBy([&] { request_->setLowSpeedLimit(-1, CTimeSpan()); }), refused);
     EXPECT_EQ(thrownBy([&] { request_->setLowSpeedLimit(1, CTimeSpan::fromMilliseconds(-1000)); }), refused);
     EXPECT_EQ(thrownBy([&] { request_->setSendDataSize(-2); }), refused);
+}
+
+TEST_F(RequestOption, OfANegativeTimeIsReportedWithoutAnErrorTextOfBefore) {
+    curl_.sideOf(request_->getHandle()).setErrorText("old text");
+    curl_.takeCalls();
+    const Thrown refused = curlError(CURLE_BAD_FUNCTION_ARGUMENT, "the time is negative");
+    EXPECT_EQ(thrownBy([&] { request_->setConnectTimeout(CTimeSpan::fromMicroseconds(-1)); }), refused);
+    EXPECT_EQ(thrownBy([&] { request_->setFullRequestTimeout(CTimeSpan::fromMilliseconds(-1)); }), refused);
+    EXPECT_THAT(curl_.takeCalls(), IsEmpty());
 }
 
 TEST_F(RequestOption, RefusedLeavesTheSendDataSizeAsItWas) {
@@ -440,13 +456,16 @@ INSTANTIATE_TEST_SUITE_P(All, RequestInfo, testing::ValuesIn(infoCases),
                          [](const auto& tested) { return tested.param.name; });
 
 TEST(RequestInfoOfAnotherKind, IsReportedInsteadOfRead) {
+    CurlRecorder curl;
     const P<CNetRequest> request = new CNetRequest();
-    EXPECT_EQ(thrownBy([&] { (void)request->getInfoLong(CURLINFO_TOTAL_TIME); }),
-              curlError(CURLE_BAD_FUNCTION_ARGUMENT, ""));
-    EXPECT_EQ(thrownBy([&] { (void)request->getInfoDouble(CURLINFO_RESPONSE_CODE); }),
-              curlError(CURLE_BAD_FUNCTION_ARGUMENT, ""));
-    EXPECT_EQ(thrownBy([&] { (void)request->getInfoDouble(CURLINFO_EFFECTIVE_URL); }),
-              curlError(CURLE_BAD_FUNCTION_ARGUMENT, ""));
+    curl.sideOf(request->getHandle()).setErrorText("old text");
+    const Thrown noInteger = curlError(CURLE_BAD_FUNCTION_ARGUMENT, "the information is no integer");
+    EXPECT_EQ(thrownBy([&] { (void)request->getInfoLong(CURLINFO_TOTAL_TIME); }), noInteger);
+    EXPECT_EQ(thrownBy([&] { (void)request->getInfoLong(CURLINFO_SIZE_DOWNLOAD_T); }), noInteger);
+    const Thrown noDouble =
+        curlError(CURLE_BAD_FUNCTION_ARGUMENT, "the information is no floating-point number");
+    EXPECT_EQ(thrownBy([&] { (void)request->getInfoDouble(CURLINFO_RESPONSE_CODE); }), noDouble);
+    EXPECT_EQ(thrownBy([&] { (void)request->getInfoDouble(CURLINFO_EFFECTIVE_URL); }), noDouble);
 }
 
 } // namespace
