@@ -53,6 +53,8 @@ MessageAppearance getAppearance(curl_infotype type, CNetRequest::VerboseLogData 
 
 } // namespace
 
+CNetRequest::CVerboseLogMessage::~CVerboseLogMessage() = default;
+
 void CNetRequest::setVerbose(bool on) {
     verbose_ = on;
     setOption(CURLOPT_VERBOSE, on ? 1L : 0L);

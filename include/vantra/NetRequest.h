@@ -424,7 +424,7 @@ private:
 };
 
 /// One message that libcurl reported about a transfer.
-class VANTRA_API CNetRequest::CVerboseLogMessage {
+class VANTRA_API CNetRequest::CVerboseLogMessage : public kel::CBase {
 public:
     /// Copies the bytes and takes the present time.
     CVerboseLogMessage(curl_infotype messageType, const char* messageData, std::size_t messageSize)
@@ -432,6 +432,11 @@ public:
           data(reinterpret_cast<const unsigned char*>(messageData), messageSize),
           size(messageSize),
           time(kel::CTime::now()) {}
+    CVerboseLogMessage(const CVerboseLogMessage&) = default;
+    CVerboseLogMessage(CVerboseLogMessage&&) = default;
+    CVerboseLogMessage& operator=(const CVerboseLogMessage&) = default;
+    CVerboseLogMessage& operator=(CVerboseLogMessage&&) = default;
+    ~CVerboseLogMessage() override;
 
     curl_infotype type;               ///< what libcurl calls the kind of message
     kel::TBuffer<unsigned char> data; ///< the bytes, as libcurl reported them
