@@ -21,7 +21,10 @@ namespace vantra {
 
 /// A transfer failed. The code is libcurl's: a CURLcode in the domain "curl", a CURLMcode in the domain
 /// "curlm". What the server answered is in the members below and, for those who hold only a kel::CError, in
-/// its parameters, each present only when it has something to say:
+/// its parameters, each present only when it has something to say. The server's message is, for HTTP, what
+/// CNetRequest::getServerErrorMessageFromResponseData makes of the body in the default receive buffer; for
+/// SMTP the last reply line that begins with the response code, or else the last line, without its line end.
+///
 ///
 /// | parameter            | value                                                    | present when   |
 /// |----------------------|----------------------------------------------------------|----------------|
@@ -86,11 +89,13 @@ private:
 /// The HTTP status that an error stands for, or -1. An error of the domain "http" is its own status; for
 /// others the response code counts if its domain is "http", and for a "curl" error other than
 /// CURLE_HTTP_RETURNED_ERROR only from 400 on: a transfer that broke down after a 302 did not fail for it.
+/// @throws kel::CError as CCURLError::getResponseCode for an error whose parameter "responseCode" is no
+/// integer, which none of this library's has.
 VANTRA_API int getHTTPStatusCodeFromError(const kel::CError& error);
 
 /// Whether the network, the name service or the server's service is down: a "curl" error with code 5, 6, 7 or
 /// 35 (proxy or host not resolved, no connection, no TLS connection), or with the response HTTP 503 or FTP
-/// 421. Time-outs do not count.
+/// 421. Time-outs do not count, nor does a response code that is no number.
 VANTRA_API bool isNetworkOrServiceDownError(const std::exception& error);
 
 } // namespace vantra

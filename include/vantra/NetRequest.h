@@ -46,8 +46,11 @@ class CLogCredentials;
 /// or reset(); a request may be performed any number of times and then reuses its connections. What is known
 /// of the response (status line, headers, default receive buffer) describes the latest transfer.
 ///
-/// Every failure of libcurl, setting an option included, is thrown as CCURLError. Pointers given to setters
-/// are kept as references until they are replaced or reset(); the objects may be shared.
+/// Every failure of libcurl, setting an option included, is thrown as CCURLError. A text with a NUL character
+/// in it, which libcurl would cut there, is refused with kel::CInvalidArgError "text contains a NUL
+/// character" by every setter that hands texts to libcurl. Pointers given to setters are kept as references
+/// until they are replaced or reset(); the objects may be shared. A sink, source or listener may replace
+/// itself while it is being called.
 ///
 /// Thread safety: one thread at a time. While a transfer runs on an asynchronous manager, other threads may
 /// call isAsyncDone, waitAsyncDone, getAsyncDoneSignal and checkAsyncResult.
@@ -60,8 +63,8 @@ public:
     class CStreamDataSource;
     class CVerboseLogMessage;
 
-    /// How much of a body the transfer log shows. Bit 0 means its content; any other value without bit 0,
-    /// except VerboseLogDataByMethod, means sizes alone.
+    /// How much of a body the transfer log shows. Bit 0 means its content; any value without bit 0, 0
+    /// included and VerboseLogDataByMethod excepted, means sizes alone.
     enum VerboseLogData : int {
         VerboseLogDataSize = 2,    ///< the number of bytes
         VerboseLogDataContent = 3, ///< the content too
@@ -104,8 +107,9 @@ public:
     /// limit.
     void setFullRequestTimeout(const kel::CTimeSpan& timeout);
     /// Gives up a transfer that stays below `bytesPerSecond` for `time` (CURLOPT_LOW_SPEED_LIMIT,
-    /// CURLOPT_LOW_SPEED_TIME), rounded up to whole seconds; infinite switches this off.
+    /// CURLOPT_LOW_SPEED_TIME), rounded up to whole seconds; infinite, or 0 for either, switches this off.
     /// Default: 1 byte per second for 60 seconds.
+    /// @throws CCURLError with CURLE_BAD_FUNCTION_ARGUMENT for a negative number or time.
     void setLowSpeedLimit(int bytesPerSecond, const kel::CTimeSpan& time);
 
     /// Whether "Location" headers are followed (CURLOPT_FOLLOWLOCATION). Default: true.
@@ -116,7 +120,8 @@ public:
     /// Whether the server's certificate must be vouched for by a root (CURLOPT_SSL_VERIFYPEER). Default:
     /// true.
     void setSSLVerifyPeer(bool verify);
-    /// The file of root certificates in PEM form (CURLOPT_CAINFO). Default: libcurl's own.
+    /// The file of root certificates in PEM form (CURLOPT_CAINFO), told to libcurl as path.getText(), with
+    /// the platform's separators. Default: libcurl's own.
     void setRootCertBundlePath(const kel::TPathImpl<kel::CWindowsPathTraits>& path);
 
     /// The authentication methods that libcurl may use, CURLAUTH_* bits (CURLOPT_HTTPAUTH). Default: basic.
@@ -143,13 +148,14 @@ public:
     /// The command that lists a directory, in place of LIST (CURLOPT_CUSTOMREQUEST); empty for libcurl's own.
     void setFTPListOverrideCommand(const kel::String& command);
     /// Commands to send before the transfer, after the directory was entered (CURLOPT_PREQUOTE); null for
-    /// none.
+    /// none. A list that is empty now stays none, even if lines are added to it later.
     void setFTPCustomPreCommands(CNetStringList* commands);
-    /// Commands to send after the transfer (CURLOPT_POSTQUOTE); null for none.
+    /// Commands to send after the transfer (CURLOPT_POSTQUOTE), likewise.
     void setFTPCustomPostCommands(CNetStringList* commands);
 
     /// @{
-    /// Any option of libcurl by its number. The value is passed in the type that the option takes.
+    /// Any option of libcurl by its number. The value is passed in the type that the option takes; where that
+    /// is a `long` of 32 bits, a larger one as the largest.
     /// @throws CCURLError with CURLE_BAD_FUNCTION_ARGUMENT for an option that takes no number.
     void setOptionInt(CURLoption option, int value);
     void setOptionInt64(CURLoption option, kel::int64 value);
@@ -179,6 +185,7 @@ public:
     void setSendDataAsUTF8(const kel::String& text);
     /// The number of bytes to send (CURLOPT_INFILESIZE_LARGE, for "POST" CURLOPT_POSTFIELDSIZE_LARGE), or -1
     /// when it is not known: HTTP/1.1 then sends chunks. The source is not read beyond it. Default: -1.
+    /// @throws CCURLError with CURLE_BAD_FUNCTION_ARGUMENT below -1; the size before stays then.
     void setSendDataSize(kel::int64 size);
 
     // Data to receive
@@ -191,11 +198,14 @@ public:
     void setDefaultReceiveDataStream();
     /// Whether the body goes there.
     [[nodiscard]] bool usesDefaultReceiveBuffer() const noexcept;
-    /// The body of the latest transfer, unless a sink took it.
+    /// The body of the latest transfer, unless a sink took it. The same buffer as long as the request lives;
+    /// the next transfer and reset() empty it.
     [[nodiscard]] kel::PC<kel::TBuffer<unsigned char>> getDefaultReceiveBuffer() const {
         return defaultReceiveBuffer_;
     }
-    /// Asks for `length` bytes from `offset` on; -1 for all that follow (CURLOPT_RANGE).
+    /// Asks for `length` bytes from `offset` on; -1 for all that follow (CURLOPT_RANGE). Both are told as
+    /// they are: a length of 0 makes a range that ends before it begins, which servers refuse or answer with
+    /// all they have. Default: no range; setOptionPtr(CURLOPT_RANGE, nullptr) takes one back.
     void setRange(kel::int64 offset, kel::int64 length);
 
     // Headers
@@ -215,8 +225,9 @@ public:
     /// and with CURLE_HTTP_RETURNED_ERROR for an HTTP response outside 200 to 299.
     void perform();
 
-    /// Called once at the end of each transfer; null for none. After an asynchronous transfer it is called on
-    /// the manager's thread, with the error that checkAsyncResult() would throw.
+    /// Called once at the end of each transfer; null for none. Not called where perform() throws before the
+    /// transfer begins, such as what rewinding the data source throws. After an asynchronous transfer it is
+    /// called on the manager's thread, with the error that checkAsyncResult() would throw.
     void setDoneListener(IDoneListener* listener);
 
     /// Sets the proxy (setProxy) that the user's system settings give for the present URL; none when they
@@ -242,11 +253,15 @@ public:
 
     /// "HTTP/1.1 404 Not Found", the last one received; empty before a transfer and for other protocols.
     [[nodiscard]] kel::String getHTTPStatusLine() const { return httpStatusLine_; }
-    /// The headers of the last response by lower-cased name.
+    /// The headers of the last response by lower-cased name. A line that is not UTF-8 is read as ISO-8859-1;
+    /// one that is no header is logged as a warning, "Exception during CNetRequest header parsing
+    /// (ignored).", and left out. The reference is valid as long as the request; the map changes with the
+    /// next response.
     [[nodiscard]] const kel::TMap<kel::String, kel::String>& getResponseHeaderMap() const {
         return headerAssembler_.getHeaderMap();
     }
-    /// Every header or reply line of the transfer as it was received, line ends included.
+    /// Every header or reply line of the transfer as it was received, line ends included, and read as the
+    /// headers are. The next transfer begins a list of its own; hold a kel::PC to keep this one.
     [[nodiscard]] const CNetStringList& getResponseInfo() const;
     /// The latest response code of any protocol, 0 when there was none (CURLINFO_RESPONSE_CODE). Where an FTP
     /// server refused the transfer over TLS, the refusal's, not that of the farewell behind it.
@@ -255,7 +270,8 @@ public:
     [[nodiscard]] kel::String getResponseCodeDomain() const;
 
     /// @{
-    /// Any number that libcurl knows about the transfer. @throws CCURLError if libcurl has none of that kind.
+    /// Any number that libcurl knows about the transfer, an integer cut to 32 bits.
+    /// @throws CCURLError if libcurl has none of that kind.
     [[nodiscard]] int getInfoLong(CURLINFO info) const;
     [[nodiscard]] double getInfoDouble(CURLINFO info) const;
     /// @}
@@ -284,15 +300,18 @@ public:
     /// The record of the latest transfer, null when transfers are not recorded. Element "NetRequest" with
     /// "httpMethod" and "url", and a child for each message of libcurl with its "logTime" (UTC): "info",
     /// "send" or "receive", the latter two with "type" "header", "data" or "ssl_data" and for data their size
-    /// as "bytes". Of each message at most `maxDataLength` bytes are shown; "..." marks where something was
-    /// left out. To be called when no transfer runs.
+    /// as "bytes"; a message of a kind not known here is "unknown", with its size, and shown like data. Bytes
+    /// are read as ISO-8859-1, and those of data percent-encoded. Each message is shown up to `maxDataLength`
+    /// bytes, with "..." where something was left out and "~stripped~" for a content that is not shown. To be
+    /// called when no transfer runs.
     ///
     /// Credentials sent are shown as "~stripped~": the values of "Authorization" and "Proxy-Authorization"
     /// headers, what follows PASS and ACCT of FTP, and what follows AUTH of SMTP up to the server's verdict.
     /// Bodies and addresses are not searched: a name and password belong into setUserName and
     /// setUserPassword and not into the URL, which is shown as it is.
     [[nodiscard]] kel::P<kel::CXMLElement> getVerboseOutput(unsigned int maxDataLength) const;
-    /// libcurl's CURLOPT_DEBUGFUNCTION; `request` is the CNetRequest, null for nothing. Always 0.
+    /// libcurl's CURLOPT_DEBUGFUNCTION; `request` is the CNetRequest, null for nothing. Always 0: a message
+    /// that cannot be recorded is logged as a warning, and the transfer goes on.
     static int _curlDebugFunctionCallback(CURL* handle, curl_infotype type, char* data, std::size_t size,
                                           void* request);
 
@@ -313,9 +332,11 @@ public:
     /// @throws kel::CError "Error URL-escaping a string."
     [[nodiscard]] kel::String urlEscape(const kel::String& text) const;
 
-    /// A message from an error body: at most its first 4096 bytes, as text; HTML (by the header
-    /// "content-type" or an "<html" in it) without its tags and with blanks and line breaks folded. Empty if
-    /// it is not valid UTF-8.
+    /// A message from an error body: at most its first 4096 bytes, without a character that this cuts, as
+    /// text; HTML (a header "content-type" that starts with "text/html", or an "<html" in it, both in lower
+    /// case) without its tags and with blanks and line breaks folded. Empty if it is not valid UTF-8. Never
+    /// throws.
+    /// @param headers by lower-cased name.
     static kel::String
     getServerErrorMessageFromResponseData(const unsigned char* data, int size,
                                           const kel::TMap<kel::String, kel::String>& headers);
@@ -465,7 +486,7 @@ public:
                               const kel::TMap<kel::String, kel::String>& responseHeaders) = 0;
     /// The whole size in bytes, or -1 when it is not known.
     virtual kel::int64 getSize() = 0;
-    /// Moves to `position` bytes from the start. Called when libcurl has to send the body again.
+    /// Moves to `position` bytes from the start. Called when the body has to be sent again.
     virtual void seek(kel::int64 position) = 0;
     /// Bytes from the start to what read() gives next.
     virtual kel::int64 getPosition() = 0;
@@ -474,8 +495,10 @@ public:
 /// Learns of the end of transfers.
 class VANTRA_API CNetRequest::IDoneListener : public virtual kel::IBase {
 public:
-    /// Called on the thread that drove the transfer. @param error null on success; valid during the call
-    /// only.
+    /// Called on the thread that drove the transfer. What it throws leaves perform(), in place of the
+    /// transfer's own error; after an asynchronous transfer it is logged as an error, "Exception in a done
+    /// listener (ignored).".
+    /// @param error null on success; valid during the call only.
     virtual void onRequestDone(CNetRequest* request, const kel::CError* error) = 0;
 };
 
