@@ -83,6 +83,18 @@ TEST(HTTPStatusFromError, ReadsThePlainErrorLikeTheTransferError) {
     EXPECT_EQ(getHTTPStatusCodeFromError(plainError("curl", 28, "http", "404")), 404);
 }
 
+TEST(HTTPStatusFromError, RejectsAStatusThatIsNoInteger) {
+    for (const char* const codeDomain : {"curl", "curlm", "s3", ""}) {
+        try {
+            getHTTPStatusCodeFromError(plainError(codeDomain, 22, "http", "not found"));
+            ADD_FAILURE() << "took it for " << codeDomain;
+        } catch (const CError& error) {
+            EXPECT_EQ(error.getMessage(), "Invalid integer: 'not found'.");
+        }
+    }
+    EXPECT_EQ(getHTTPStatusCodeFromError(plainError("curl", 22, "ftp", "not found")), -1);
+}
+
 TEST(NetworkOrServiceDown, MeansExactlyFourTransferCodes) {
     std::set<int> downCodes;
     for (int code = 0; code < CURL_LAST; ++code) {

@@ -1,6 +1,8 @@
 #include "GlobalInitSeams.h"
+#include "vantra/AsyncNetRequestManager.h"
 #include "vantra/GlobalInit.h"
 #include "vantra/NetHeaders.h"
+#include "vantra/NetRequest.h"
 
 #include <kel/Error.h>
 
@@ -19,8 +21,10 @@ namespace {
 using kel::CError;
 using kel::P;
 using kel::String;
+using vantra::CAsyncNetRequestManager;
 using vantra::CGlobalInit;
 using vantra::CNetHeaders;
+using vantra::CNetRequest;
 
 /// The error that `action` throws, or null.
 template <class Action>
@@ -80,6 +84,14 @@ TEST_F(GlobalInitFailure, PassesOutOfTheHeaderCollectionsConstructor) {
                      "Construction of static object has failed.");
 }
 
+TEST_F(GlobalInitFailure, PassesOutOfTheConstructorsOfRequestAndManager) {
+    expectPlainError(errorOf([] { const P<CNetRequest> request = new CNetRequest(); }),
+                     "Construction of static object has failed.");
+    expectPlainError(
+        errorOf([] { const P<CAsyncNetRequestManager> manager = new CAsyncNetRequestManager(); }),
+        "Construction of static object has failed.");
+}
+
 TEST_F(GlobalInitFailure, IsFinal) {
     errorOf([] { CGlobalInit::get(); });
     errorOf([] { CGlobalInit::get(); });
@@ -105,6 +117,24 @@ TEST_F(GlobalInitFirstFailure, PassesOutOfTheHeaderCollectionsConstructor) {
         {
             globalinitseams::setCurlGlobalInitResult(CURLE_OUT_OF_MEMORY);
             exitWithErrorOf([] { const CNetHeaders headers; });
+        },
+        testing::ExitedWithCode(0), "^curl global init failed\nOpenSSL\ncurl_global_init\\(3\\)\n$");
+}
+
+TEST_F(GlobalInitFirstFailure, PassesOutOfTheRequestsConstructor) {
+    EXPECT_EXIT(
+        {
+            globalinitseams::setCurlGlobalInitResult(CURLE_OUT_OF_MEMORY);
+            exitWithErrorOf([] { const P<CNetRequest> request = new CNetRequest(); });
+        },
+        testing::ExitedWithCode(0), "^curl global init failed\nOpenSSL\ncurl_global_init\\(3\\)\n$");
+}
+
+TEST_F(GlobalInitFirstFailure, PassesOutOfTheManagersConstructor) {
+    EXPECT_EXIT(
+        {
+            globalinitseams::setCurlGlobalInitResult(CURLE_OUT_OF_MEMORY);
+            exitWithErrorOf([] { const P<CAsyncNetRequestManager> manager = new CAsyncNetRequestManager(); });
         },
         testing::ExitedWithCode(0), "^curl global init failed\nOpenSSL\ncurl_global_init\\(3\\)\n$");
 }
