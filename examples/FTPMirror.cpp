@@ -56,7 +56,7 @@ public:
             if (entry->getType() == kel::IFileInfoBase::Unknown) continue; // a link, or the directory itself
             const String name = checkName(entry->getName());
             const String source = (remote.endsWith(L"/") ? remote : remote + "/") + name;
-            const path target = local / kel::CPath("./" + name).toStdPath();
+            const path target = local / kel::CPath("./" + name).toStdPath(); // "C:x" is a name, too
             if (entry->getType() == kel::IFileInfoBase::Directory)
                 updateFolder(source, target);
             else if (!isUpToDate(target, *entry))
