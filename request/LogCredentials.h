@@ -32,7 +32,7 @@ private:
     bool isLoggingIn_ = false; // between a client's AUTH and the server's verdict
 
     // A request whose headers libcurl cannot send all at once comes in several messages, the later ones as
-    // data.
+    // headers or as data.
     bool isSendingHeaders_ = false;     // whether the headers go on in the next message sent
     std::string unfinishedLine_;        // what the last message began of a header
     bool continuesHeaders_ = false;     // whether the present message begins with the rest of the headers

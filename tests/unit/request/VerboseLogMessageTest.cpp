@@ -165,7 +165,8 @@ TEST_F(VerboseLogMessage, StripsItInInformationalTexts) {
               "info [T] [HTTP/2] [1] [proxy-authorization: ~stripped~");
 }
 
-/// libcurl may have to send a long request in several pieces, of which the later ones come as data.
+/// libcurl may have to send a long request in several pieces, and report the later ones as headers or as
+/// data.
 TEST_F(VerboseLogMessage, StripsTheAuthorizationOfARequestSentInPieces) {
     setSettings(3, 2);
     const std::string_view request = "GET / HTTP/1.1\r\nA: b\r\nAuthorization: ########\r\nC: d\r\n\r\n";
