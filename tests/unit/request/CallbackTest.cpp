@@ -490,6 +490,24 @@ TEST_F(HeaderCallback, TellsTheServerRecordWhenTheHeadersAreComplete) {
     EXPECT_TRUE(info->areGetRangesBroken());
 }
 
+TEST_F(HeaderCallback, HurriesLibcurlOnToADataConnection) {
+    const auto callsOf = [&](const char* url, const std::string& line) {
+        request_->setURL(url);
+        recorder_.takeCalls();
+        curl().headers({line});
+        return recorder_.takeCalls();
+    };
+    for (const char* url : {"ftp://h/f", "ftps://h/f"}) {
+        EXPECT_THAT(callsOf(url, "229 Entering Extended Passive Mode (|||1|)\r\n"),
+                    ElementsAre("pause 1", "pause 0"));
+        EXPECT_THAT(callsOf(url, "227 Entering Passive Mode (127,0,0,1,0,1)\r\n"),
+                    ElementsAre("pause 1", "pause 0"));
+        EXPECT_THAT(callsOf(url, "220 ready\r\n"), IsEmpty());
+        EXPECT_THAT(callsOf(url, "229-ready\r\n"), IsEmpty());
+    }
+    EXPECT_THAT(callsOf("http://h/f", "229 Entering Extended Passive Mode (|||1|)\r\n"), IsEmpty());
+}
+
 TEST_F(HeaderCallback, TellsOnlyTheServerRecordGivenLast) {
     static std::atomic<int> alive; // outlives the request
     alive = 0;

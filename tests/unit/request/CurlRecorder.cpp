@@ -209,6 +209,8 @@ void CurlRecorder::onReset(CURL* handle) {
     sides_[handle] = {};
 }
 
+void CurlRecorder::onPause(int action) { calls_.push_back({"pause " + std::to_string(action)}); }
+
 namespace {
 
 OptionValue takeValue(CURLoption option, va_list arguments) {
@@ -247,6 +249,7 @@ CURLcode __real_curl_easy_setopt(CURL* handle, CURLoption option, ...);
 CURLcode __real_curl_easy_getinfo(CURL* handle, CURLINFO info, ...);
 CURLcode __real_curl_easy_perform(CURL* handle);
 void __real_curl_easy_reset(CURL* handle);
+CURLcode __real_curl_easy_pause(CURL* handle, int action);
 
 CURL* __wrap_curl_easy_init() {
     auto* recorder = vantra::test::CurlRecorder::getActive();
@@ -304,5 +307,10 @@ CURLcode __wrap_curl_easy_perform(CURL* handle) {
 void __wrap_curl_easy_reset(CURL* handle) {
     if (auto* recorder = vantra::test::CurlRecorder::getActive()) recorder->onReset(handle);
     __real_curl_easy_reset(handle);
+}
+
+CURLcode __wrap_curl_easy_pause(CURL* handle, int action) {
+    if (auto* recorder = vantra::test::CurlRecorder::getActive()) recorder->onPause(action);
+    return __real_curl_easy_pause(handle, action);
 }
 }

@@ -108,6 +108,7 @@ public:
     bool onInfo(CURLINFO info, void* answer, CURLcode& result);
     bool onPerform(CURL* handle, CURLcode& result);
     void onReset(CURL* handle);
+    void onPause(int action);
 
 private:
     struct Call {
