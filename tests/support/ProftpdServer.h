@@ -11,7 +11,7 @@ namespace testsupport {
 /// each command and its reply in log().
 class ProftpdServer : public FtpServer {
 public:
-    /// Starts the server and waits until it accepts connections.
+    /// Waits until connections are accepted. The server is started anew for each of them (ServerType inetd).
     /// @throws std::runtime_error with its output if it does not start.
     ProftpdServer();
 
