@@ -1,6 +1,7 @@
 #include "FTPFixture.h"
 
 #include <functional>
+#include <map>
 
 using kel::P;
 using kel::String;
@@ -18,14 +19,24 @@ namespace {
 constexpr int requestCount = 10;
 constexpr int patienceMs = 60000;
 
-/// Ten requests at once on a worker thread.
+/// Ten requests and the worker thread that performs them, which keeps their connections.
+struct Worker {
+    Worker() {
+        for (int number = 0; number < requestCount; ++number) requests.push_back(new CNetRequest());
+        thread->start();
+    }
+    ~Worker() { thread->stop(true); }
+    Worker(const Worker&) = delete;
+    Worker& operator=(const Worker&) = delete;
+
+    std::vector<P<CNetRequest>> requests;
+    P<CAsyncNetRequestThread> thread = new CAsyncNetRequestThread(nullptr);
+};
+
+/// Ten requests at once on a worker thread, the same ones in all tests with a peer.
 class FTPAsync : public OverFTP {
 protected:
-    FTPAsync() {
-        for (int number = 0; number < requestCount; ++number) requests_.push_back(new CNetRequest());
-        thread_->start();
-    }
-    ~FTPAsync() override { thread_->stop(true); }
+    static void TearDownTestSuite() { workers_.clear(); }
 
     /// The requests' own numbers as texts.
     static std::string text(int number) { return std::to_string(number); }
@@ -33,20 +44,21 @@ protected:
     /// Prepares all ten, hands them over and waits for their ends.
     void transfer(const std::function<void(CNetRequest&, int)>& prepare) {
         for (int number = 0; number < requestCount; ++number) prepare(request(number), number);
-        for (const P<CNetRequest>& added : requests_) thread_->addRequest(added);
-        for (const P<CNetRequest>& added : requests_) ASSERT_TRUE(added->waitAsyncDone(patienceMs));
+        for (const P<CNetRequest>& added : worker_.requests) worker_.thread->addRequest(added);
+        for (const P<CNetRequest>& added : worker_.requests) ASSERT_TRUE(added->waitAsyncDone(patienceMs));
     }
     /// The same for transfers that must succeed.
     void transferAll(const std::function<void(CNetRequest&, int)>& prepare) {
         transfer(prepare);
-        for (const P<CNetRequest>& done : requests_) done->checkAsyncResult();
+        for (const P<CNetRequest>& done : worker_.requests) done->checkAsyncResult();
     }
 
-    CNetRequest& request(int number) { return *requests_[static_cast<std::size_t>(number)]; }
+    CNetRequest& request(int number) { return *worker_.requests[static_cast<std::size_t>(number)]; }
 
 private:
-    std::vector<P<CNetRequest>> requests_;
-    P<CAsyncNetRequestThread> thread_ = new CAsyncNetRequestThread(nullptr);
+    static inline std::map<std::string, Worker> workers_;
+
+    Worker& worker_ = workers_[GetParam().name];
 };
 
 FOR_ALL_PEERS(FTPAsync);

@@ -18,8 +18,18 @@ protected:
 
     std::string download(kel::int64 first, kel::int64 length) {
         client_->prepareDownloadRequest(*request_, at("/f"), first, length);
+        setBinaryType();
         request_->perform();
         return getBody(*request_);
+    }
+
+private:
+    /// Asks for the file's size alone, for which the connection's type becomes binary. To have that done by
+    /// the download itself takes a second over TLS with some servers (CTestClient::beginPrepareRequest).
+    void setBinaryType() {
+        request_->setOptionInt(CURLOPT_NOBODY, 1);
+        request_->perform();
+        request_->setOptionInt(CURLOPT_NOBODY, 0);
     }
 };
 
@@ -39,7 +49,11 @@ TEST_P(FTPDownload, FetchesAPart) {
     EXPECT_EQ(download(299990, 10), content().substr(299990));
 }
 
-TEST_P(FTPDownload, FetchesAPartWithAnyWayToWalk) {
+class FTPPlainDownload : public FTPDownload {};
+
+FOR_PLAIN_PEERS(FTPPlainDownload);
+
+TEST_P(FTPPlainDownload, FetchesAPartWithAnyWayToWalk) {
     for (const auto type :
          {vantra::CFTPClient::CWDSteps, vantra::CFTPClient::CWDDirect, vantra::CFTPClient::CWDNone}) {
         client_->setOverrideCWDType(type);

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <map>
 #include <stdexcept>
 
 using kel::P;
@@ -17,6 +19,8 @@ using vantra::CFTPClient;
 using vantra::CNetRequest;
 
 namespace {
+
+constexpr int wakeUpMilliseconds = 50;
 
 template <class Server>
 FtpServer& shared() {
@@ -58,6 +62,13 @@ const std::vector<Peer>& allPeers() {
     return peers;
 }
 
+std::vector<Peer> plainPeers() {
+    std::vector<Peer> peers;
+    std::ranges::copy_if(allPeers(), std::back_inserter(peers),
+                         [](const Peer& peer) { return peer.security == FtpSecurity::none; });
+    return peers;
+}
+
 CTestClient::CTestClient(const Peer& peer, const std::string& password)
     : CFTPClient(String(peer.server().host(peer.security)), String(FtpServer::userName()), String(password),
                  connectType(peer.security)),
@@ -68,6 +79,18 @@ void CTestClient::beginPrepareRequest(CNetRequest& request, const String& path,
     CFTPClient::beginPrepareRequest(request, path, createMissingDirs);
     request.setRootCertBundlePath(String(caFile_));
     request.setProxy("");
+    // Until the TLS of a data connection is up, libcurl 7.88 waits for that connection alone, and ProFTPD
+    // begins with it when the transfer is asked for. Replies to commands before that are seen when a timer
+    // ends the wait: this one, or else that of a whole second.
+    request.setOptionInt(CURLOPT_HAPPY_EYEBALLS_TIMEOUT_MS, wakeUpMilliseconds);
+}
+
+P<CNetRequest> OverFTP::sharedRequest(const Peer& peer) {
+    static std::map<std::string, P<CNetRequest>> requests;
+    P<CNetRequest>& request = requests[peer.name];
+    if (!request) request = new CNetRequest();
+    request->reset();
+    return request;
 }
 
 OverFTP::OverFTP() : folder_(testFolder()) { makeFolder(""); }

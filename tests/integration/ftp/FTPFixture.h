@@ -75,9 +75,12 @@ protected:
     static void expectRefusedTransfer(const vantra::CCURLError& error);
 
     kel::P<CTestClient> client_ = new CTestClient(GetParam());
-    kel::P<vantra::CNetRequest> request_ = new vantra::CNetRequest();
+    /// The peer's, which keeps its connection from test to test, or another one that a test makes.
+    kel::P<vantra::CNetRequest> request_ = sharedRequest(GetParam());
 
 private:
+    static kel::P<vantra::CNetRequest> sharedRequest(const Peer& peer);
+
     std::string folder_; // from "/" on
 };
 
@@ -97,7 +100,15 @@ vantra::CCURLError OverFTP::errorOf(Function function) {
     throw std::logic_error("the transfer succeeded");
 }
 
+/// Those of allPeers() without TLS, one of each make: for tests to which TLS makes no difference.
+std::vector<Peer> plainPeers();
+
 /// Defines the tests of a suite for allPeers().
 #define FOR_ALL_PEERS(Suite)                                                                                 \
     INSTANTIATE_TEST_SUITE_P(Peer, Suite, testing::ValuesIn(allPeers()),                                     \
+                             [](const auto& tested) { return tested.param.name; })
+
+/// The same for plainPeers().
+#define FOR_PLAIN_PEERS(Suite)                                                                               \
+    INSTANTIATE_TEST_SUITE_P(Peer, Suite, testing::ValuesIn(plainPeers()),                                   \
                              [](const auto& tested) { return tested.param.name; })

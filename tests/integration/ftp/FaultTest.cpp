@@ -39,8 +39,7 @@ TEST_P(FTPFault, IsAServerWithAnotherAuthoritysCertificate) {
 /// Tests that need no TLS of the client, with both makes of servers.
 class FTPPlainFault : public OverFTP {};
 
-INSTANTIATE_TEST_SUITE_P(Peer, FTPPlainFault, testing::Values(allPeers()[0], allPeers()[3]),
-                         [](const auto& tested) { return tested.param.name; });
+FOR_PLAIN_PEERS(FTPPlainFault);
 
 TEST_P(FTPPlainFault, IsTLSThatIsRequiredAndNotOffered) {
     const CFTPClient client(String(server().host(testsupport::FtpSecurity::none)),
