@@ -33,7 +33,10 @@ namespace vantra {
 /// it takes the end of the data connection for a failure to open it, tries once more, and reads the refusal
 /// as the reply to that. The response code is the refusal's or that of the second try. A connection on
 /// which the server has refused a transfer over TLS is closed afterwards, because a reply too many may be
-/// waiting on it; the next transfer opens a new one.
+/// waiting on it; the next transfer opens a new one. While it waits for the TLS of a data connection, libcurl
+/// 7.88 does not see replies on the control connection until a timer ends that wait. With a server that
+/// begins with TLS when the transfer is asked for, as ProFTPD does, each command before that may take a
+/// second on the calling thread, and a tenth on an asynchronous one.
 ///
 /// Thread safety: any number of threads may prepare requests, each its own; setOverrideCWDType and assignment
 /// need the client for themselves.
