@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# The shared library exports the public classes and functions, nothing else, and can be found by its plain name.
+# The shared library exports the public classes and functions, nothing else, and can be found by its plain name. kel,
+# beside it, exports nothing but its own either.
 #
 #     scripts/check-exports.sh [BUILD]      BUILD, default build/debug, holds the built library
 # shellcheck source=scripts/lib.sh
@@ -7,13 +8,19 @@
 
 build=${1:-build/debug}
 library=$build/lib/libvantra.so
-[ -f "$library" ] || die "$library is not built"
 
-exported=$(nm --dynamic --defined-only --demangle --format=bsd "$library" | sed -E 's/^[0-9a-f]+ . //' | sort -u)
-
-foreign=$(grep -vE '^((typeinfo|typeinfo name|vtable|VTT|guard variable|(non-)?virtual thunk|covariant return thunk) (for|to) )?vantra::' <<<"$exported") || true
-[ -z "$foreign" ] || die "$library exports what is not the library's own:
+# exports LIBRARY NAMESPACE: prints what the library exports. Dies if any of it is in another namespace.
+exports() {
+    local symbols foreign
+    [ -f "$1" ] || die "$1 is not built"
+    symbols=$(nm --dynamic --defined-only --demangle --format=bsd "$1" | sed -E 's/^[0-9a-f]+ . //' | sort -u)
+    foreign=$(grep -vE "^((typeinfo|typeinfo name|vtable|VTT|guard variable|(non-)?virtual thunk|covariant return thunk) (for|to) )?$2::" <<<"$symbols") || true
+    [ -z "$foreign" ] || die "$1 exports what is not the library's own:
 $foreign"
+    printf '%s\n' "$symbols"
+}
+exported=$(exports "$library" vantra)
+exports "$build/lib/libkel.so" kel >/dev/null
 
 # What the headers mark must be there: of a class with a base, what catching and casting need; of another, a member; a
 # function itself. Interfaces (IFoo) and these classes are whole in their headers.
