@@ -30,3 +30,27 @@ tree_files() {
 on_every_line_in_parallel() {
     xargs -r -d '\n' -n 1 -P "$CMAKE_BUILD_PARALLEL_LEVEL" "$@"
 }
+
+# serve_pages FOLDER: starts a web server for the folder's files on a free port of the loopback interface, and leaves
+# its process's id in `pages_pid` and its URL, without a slash at the end, in `pages_url`. stop_pages stops it.
+serve_pages() {
+    local log port=
+    log=$(mktemp)
+    /usr/bin/python3 -u -m http.server --bind 127.0.0.1 --directory "$1" 0 >"$log" 2>&1 &
+    pages_pid=$!
+    for _ in {1..100}; do
+        port=$(sed -nE 's/^Serving HTTP on .* port ([0-9]+) .*/\1/p' "$log")
+        [ -z "$port" ] || break
+        sleep 0.1
+    done
+    [ -n "$port" ] || die "the web server did not start: $(cat "$log")"
+    rm "$log"
+    # shellcheck disable=SC2034  # for the caller
+    pages_url=http://127.0.0.1:$port
+}
+
+# Does nothing if no server runs, so that it may be called in any trap.
+stop_pages() {
+    if [ -n "${pages_pid-}" ] && kill "$pages_pid" 2>/dev/null; then wait "$pages_pid" 2>/dev/null || true; fi
+    pages_pid=
+}

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs a build into an empty folder, moves that folder, and builds and runs a program of its own against it: once
 # through CMake, once through pkg-config. The program and the installed command fetch a file from a local web server.
+# A project that asks for another version, or lacks one of vantra's dependencies, is told so.
 #
 #     scripts/test-install.sh [BUILD]      default build/debug, built before
 # shellcheck source=scripts/lib.sh
@@ -10,9 +11,8 @@ build=${1:-build/debug}
 [ -f "$build/lib/libvantra.so" ] || die "$build holds no library: cmake --build --preset debug"
 
 work=$(mktemp -d)
-server_pid=
 clean_up() {
-    if [ -n "$server_pid" ] && kill "$server_pid" 2>/dev/null; then wait "$server_pid" 2>/dev/null || true; fi
+    stop_pages
     rm -rf "$work"
 }
 trap clean_up EXIT
@@ -33,16 +33,8 @@ soname=$(objdump -p "$libraries/libvantra.so" | awk '$1 == "SONAME" { print $2 }
 
 mkdir "$work/pages"
 head -c 100000 /dev/urandom | base64 >"$work/pages/page.txt"
-/usr/bin/python3 -u -m http.server --bind 127.0.0.1 --directory "$work/pages" 0 >"$work/server.log" 2>&1 &
-server_pid=$!
-port=
-for _ in {1..100}; do
-    port=$(sed -nE 's/^Serving HTTP on .* port ([0-9]+) .*/\1/p' "$work/server.log")
-    [ -z "$port" ] || break
-    sleep 0.1
-done
-[ -n "$port" ] || die "the web server did not start: $(cat "$work/server.log")"
-page=http://127.0.0.1:$port/page.txt
+serve_pages "$work/pages"
+page=$pages_url/page.txt
 
 # fetches_page HOW COMMAND...
 fetches_page() {
@@ -62,5 +54,28 @@ fetches_page "through CMake" "$work/project/fetch"
 g++ -std=c++20 -Wall -Wextra -Werror -o "$work/fetch" tests/install/main.cpp \
     $(PKG_CONFIG_PATH=$pkgconfig pkg-config --cflags --libs vantra)
 fetches_page "through pkg-config" env LD_LIBRARY_PATH="$libraries" "$work/fetch"
+
+# tells WHAT TEXT OPTION...: the project, configured with the options, fails and says the text.
+tells() {
+    local what=$1 text=$2
+    shift 2
+    if cmake -S tests/install -B "$work/other" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" "$@" >"$work/cmake.log" 2>&1; then
+        die "a project $what was configured"
+    fi
+    # The message is broken into lines as it is shown.
+    tr -s ' \n' ' ' <"$work/cmake.log" | grep -qF -- "$text" || die "a project $what is not told '$text': $(cat "$work/cmake.log")"
+    rm -rf "$work/other"
+    say "A project $what is told so."
+}
+version=$(sed -nE 's/^#define VANTRA_VERSION "(.*)"$/\1/p' "$prefix/include/vantra/Version.h")
+IFS=. read -r major minor _ <<<"$version"
+[ -n "$minor" ] || die "the installed headers tell no version"
+for other in "$major.$((minor + 1))" "$((major + 1)).0"; do
+    tells "that asks for $other" "compatible with requested version \"$other\"" -DVANTRA_WANTED="$other"
+    grep -qF "vantraConfig.cmake, version: $version" "$work/cmake.log" || die "the version found is not told: $(cat "$work/cmake.log")"
+    if PKG_CONFIG_PATH=$pkgconfig pkg-config --exists "vantra >= $other"; then die "pkg-config finds vantra $other"; fi
+done
+tells "without libcurl" "Could NOT find CURL" -DCMAKE_IGNORE_PATH="$(pkg-config --variable=includedir libcurl)"
+tells "without wxWidgets" "Could NOT find wxWidgets" -DwxWidgets_CONFIG_EXECUTABLE="$(command -v false)"
 
 fetches_page "by vantra's own build" "$prefix/bin/vantra" get
