@@ -1,8 +1,11 @@
-# What `cmake --install` puts where, and the package of debs made of it. Components:
-#   runtime      the shared libraries vantra and kel, whose types are part of vantra's interface
+# What `cmake --install` puts where. VantraDebs.cmake makes a package of each component:
+#   runtime      the shared libraries vantra and kel
 #   development  headers, the CMake package and the pkg-config file
 #   tools        the `vantra` command with its manual page and completion for bash
-# sigil is linked into vantra and not installed.
+# kel's types are part of vantra's interface, and an error that vantra throws has to be the type that the application
+# catches: kel is a shared library, so that it is in a process once, and its headers are installed with vantra's. Both
+# are of one version, from one build, and in one package. Nobody outside needs sigil: it is linked into vantra, which
+# exports none of it, and not installed.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 

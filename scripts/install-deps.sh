@@ -2,13 +2,14 @@
 # Installs the Debian 12 packages that building and testing need. Does nothing, quickly, when they are all there.
 # Services of the new packages are not started.
 #
-#     scripts/install-deps.sh [build|demo|test|bench|check|coverage|windows|all]...      (default: all)
+#     scripts/install-deps.sh [build|demo|test|bench|check|debs|coverage|windows|all]...      (default: all)
 #
 #     build     compiler, build tools and the libraries that vantra stands on
 #     demo      what scripts/demo.sh needs beside that
 #     test      GoogleTest and the servers that the tests start
 #     bench     Google Benchmark and the server that the benchmarks start
 #     check     clang and its tools, for the static checks
+#     debs      what making the Debian packages and scripts/test-debs.sh need beside build
 #     coverage  what scripts/coverage.sh needs beside build and test; not part of all
 #     windows   the cross compiler for 64-bit Windows and Wine, beside build and test; not part of all
 # shellcheck source=scripts/lib.sh
@@ -22,6 +23,7 @@ test=(libgtest-dev libgmock-dev openssl nginx-light libnginx-mod-http-echo tinyp
     swift-account swift-container swift-object libglib2.0-bin mandoc)
 bench=(libbenchmark-dev nginx-light openssl proftpd-core proftpd-mod-crypto)
 check=(git python3 clang clang-tidy clang-format libclang-rt-14-dev shellcheck util-linux doxygen)
+debs=(dpkg-dev debootstrap lintian util-linux)
 coverage=(gcovr)
 windows=(g++-mingw-w64-x86-64-posix wine64 dpkg-dev perl make googletest ca-certificates unzip)
 
@@ -33,10 +35,11 @@ for group in "${@:-all}"; do
     test) packages+=("${test[@]}") ;;
     bench) packages+=("${bench[@]}") ;;
     check) packages+=("${check[@]}") ;;
+    debs) packages+=("${debs[@]}") ;;
     coverage) packages+=("${coverage[@]}") ;;
     windows) packages+=("${windows[@]}") ;;
-    all) packages+=("${build[@]}" "${demo[@]}" "${test[@]}" "${bench[@]}" "${check[@]}") ;;
-    *) die "unknown group '$group'; the groups are build, demo, test, bench, check, coverage, windows and all" ;;
+    all) packages+=("${build[@]}" "${demo[@]}" "${test[@]}" "${bench[@]}" "${check[@]}" "${debs[@]}") ;;
+    *) die "unknown group '$group'; the groups are build, demo, test, bench, check, debs, coverage, windows and all" ;;
     esac
 done
 mapfile -t packages < <(printf '%s\n' "${packages[@]}" | sort -u)

@@ -17,11 +17,12 @@
 #     asan      all tests with the address and undefined behaviour sanitizers
 #     tsan      the tests labelled "threads" with the thread sanitizer
 #     release   builds the product and the benchmarks optimised; each benchmark runs briefly
+#     debs      makes the Debian packages and uses them in a minimal Debian (as root; makes that in the first run)
 #     docs      documents and reference fit the tree; the steps of docs/getting-started.md work
 # shellcheck source=scripts/lib.sh
 . "$(dirname "$0")/lib.sh"
 
-all_steps=(deps format words shell debug headers exports install tidy asan tsan release docs)
+all_steps=(deps format words shell debug headers exports install tidy asan tsan release debs docs)
 
 # build_preset PRESET [TARGET...]: all targets if none is named.
 build_preset() {
@@ -110,6 +111,11 @@ step_release() {
     build/release/bin/vantra_bench --smoke
     build/release/bin/vantra_mailbench --smoke
     build/release/bin/vantra_microbench --benchmark_min_time=0.001
+}
+
+step_debs() {
+    scripts/make-debs.sh
+    scripts/test-debs.sh
 }
 
 # minutes SECONDS
