@@ -12,9 +12,8 @@ scripts/make-reference.sh
 
 guide=docs/getting-started.md
 work=$(mktemp -d)
-server_pid=
 clean_up() {
-    if [ -n "$server_pid" ] && kill "$server_pid" 2>/dev/null; then wait "$server_pid" 2>/dev/null || true; fi
+    stop_pages
     rm -rf "$work"
 }
 trap clean_up EXIT
@@ -31,19 +30,11 @@ printf '%s' "${programs[0]}" >"$work/first/first.cpp"
 printf '%s' "${projects[0]}" >"$work/first/CMakeLists.txt"
 
 head -c 4321 /dev/zero >"$work/pages/page"
-/usr/bin/python3 -u -m http.server --bind 127.0.0.1 --directory "$work/pages" 0 >"$work/server.log" 2>&1 &
-server_pid=$!
-port=
-for _ in {1..100}; do
-    port=$(sed -nE 's/^Serving HTTP on .* port ([0-9]+) .*/\1/p' "$work/server.log")
-    [ -z "$port" ] || break
-    sleep 0.1
-done
-[ -n "$port" ] || die "the web server did not start: $(cat "$work/server.log")"
+serve_pages "$work/pages"
 
 # follow FOLDER COMMANDS: runs the commands as a reader would, but for the page that they fetch.
 follow() {
-    local script=${2//https:\/\/www.debian.org\//http://127.0.0.1:$port/page}
+    local script=${2//https:\/\/www.debian.org\//$pages_url/page}
     (
         cd "$1"
         # What an earlier run compiled need not be compiled again.
