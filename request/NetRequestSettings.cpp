@@ -32,6 +32,12 @@ bool takesText(CURLoption option) {
     return !description || description->type == CURLOT_STRING; // libcurl itself refuses what it does not know
 }
 
+/// libcurl would take a text only up to a NUL, and so, say, another host than the caller named.
+void checkText(const String& text) {
+    if (text.view().find(L'\0') != std::wstring_view::npos)
+        throw CInvalidArgError("CNetRequest::setOptionString", "text contains a NUL character");
+}
+
 /// `long` has 32 bits on some platforms: a longer time is as good as their longest.
 long toLong(int64 value) {
     return static_cast<long>(
@@ -48,10 +54,10 @@ String getLowerCasedURLStart(const String& url) { return url.substr(0, 8).toLowe
 } // namespace
 
 void CNetRequest::setURL(const String& url) {
+    setText(CURLOPT_URL, url);
     url_ = url;
     const String start = getLowerCasedURLStart(url);
     isHTTP_ = startsWithScheme(start, L"http:") || startsWithScheme(start, L"https:");
-    setText(CURLOPT_URL, url);
 }
 
 String CNetRequest::getResponseCodeDomain() const {
@@ -70,6 +76,7 @@ void CNetRequest::setHTTPMethod(const String& method) {
     const bool isPut = method == "PUT";
     const bool isPost = method == "POST";
     const bool isStandard = isGet || isHead || isPut || isPost || method.isEmpty();
+    checkText(method); // before anything is changed
     if (isStandard) setOption(CURLOPT_CUSTOMREQUEST, static_cast<const char*>(nullptr));
     if (!isGet) setOption(CURLOPT_HTTPGET, 0L);
     if (!isHead) setOption(CURLOPT_NOBODY, 0L);
@@ -205,6 +212,7 @@ void CNetRequest::setOptionString(CURLoption option, const String& value) {
     if (option == CURLOPT_POSTFIELDS || option == CURLOPT_COPYPOSTFIELDS) {
         // The text's own length holds: libcurl would read on behind its end for one set before that is
         // longer.
+        checkText(value);
         setOption(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(-1));
         setText(CURLOPT_COPYPOSTFIELDS, value);
         return;
@@ -214,11 +222,8 @@ void CNetRequest::setOptionString(CURLoption option, const String& value) {
 }
 
 void CNetRequest::setText(CURLoption option, const String& value) {
-    const std::string utf8 = value.toUTF8();
-    // libcurl would take such a text only up to the NUL, and so, say, another host than the caller named.
-    if (utf8.find('\0') != std::string::npos)
-        throw CInvalidArgError("CNetRequest::setOptionString", "text contains a NUL character");
-    setOption(option, utf8.c_str());
+    checkText(value);
+    setOption(option, value.toUTF8().c_str());
 }
 
 void CNetRequest::setSendDataSize(int64 size) {

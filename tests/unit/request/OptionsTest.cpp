@@ -274,6 +274,9 @@ TEST_F(RequestOption, TakesNoTextWithANulCharacter) {
 
 TEST_F(RequestOption, TakesNoTextWithANulCharacterFromAnySetter) {
     const String text(L"a\0b", 3);
+    request_->setURL("http://host/");
+    request_->setHTTPMethod("POST");
+    curl_.takeCalls();
     const std::vector<std::function<void()>> setters = {
         [&] { request_->setURL(text); },
         [&] { request_->setHTTPMethod(text); },
@@ -288,7 +291,10 @@ TEST_F(RequestOption, TakesNoTextWithANulCharacterFromAnySetter) {
         EXPECT_EQ(thrownBy(setters[i]),
                   invalidArgError("CNetRequest::setOptionString", "text contains a NUL character"))
             << i;
+        EXPECT_THAT(curl_.takeCalls(), IsEmpty()) << i;
     }
+    EXPECT_EQ(request_->getURL(), "http://host/");
+    EXPECT_EQ(request_->getHTTPMethod(), "POST");
 }
 
 TEST_F(RequestOption, ThatLibcurlDoesNotKnowIsReported) {
