@@ -26,6 +26,14 @@ target_compile_options(vantra_warnings INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor -Woverloaded-virtual
     $<$<BOOL:${VANTRA_WERROR}>:-Werror>)
 
+# For the shared libraries: the debug information of a class is whole wherever the class is used. Otherwise gcc leaves
+# out the members that a file does not use, and scripts/check-api.sh sees a part of the interface only.
+add_library(vantra_whole_classes INTERFACE)
+if(NOT VANTRA_SANITIZE)
+    target_compile_options(vantra_whole_classes INTERFACE
+        $<$<AND:$<CONFIG:Debug>,$<CXX_COMPILER_ID:GNU>>:-femit-class-debug-always>)
+endif()
+
 if(VANTRA_SANITIZE)
     add_compile_options(-fsanitize=${VANTRA_SANITIZE} -fno-omit-frame-pointer)
     if(VANTRA_SANITIZE MATCHES undefined)

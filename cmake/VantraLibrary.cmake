@@ -67,7 +67,7 @@ target_include_directories(vantra_objects
         $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include>
         $<BUILD_INTERFACE:${CMAKE_BINARY_DIR}/include>
     PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
-target_link_libraries(vantra_objects PUBLIC kel CURL::libcurl PRIVATE sigil vantra_warnings)
+target_link_libraries(vantra_objects PUBLIC kel CURL::libcurl PRIVATE sigil vantra_warnings vantra_whole_classes)
 if(WIN32)
     # Who links the objects themselves must not look for them in the DLL.
     target_compile_definitions(vantra_objects INTERFACE VANTRA_STATIC)

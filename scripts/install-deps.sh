@@ -22,7 +22,7 @@ test=(libgtest-dev libgmock-dev openssl nginx-light libnginx-mod-http-echo tinyp
     proftpd-core proftpd-mod-crypto python3-pyftpdlib python3-openssl python3-aiosmtpd python3-swift swift-proxy
     swift-account swift-container swift-object libglib2.0-bin mandoc)
 bench=(libbenchmark-dev nginx-light openssl proftpd-core proftpd-mod-crypto)
-check=(git python3 clang clang-tidy clang-format libclang-rt-14-dev shellcheck util-linux doxygen)
+check=(git python3 clang clang-tidy clang-format libclang-rt-14-dev shellcheck util-linux doxygen abigail-tools)
 debs=(dpkg-dev debootstrap lintian util-linux)
 coverage=(gcovr)
 windows=(g++-mingw-w64-x86-64-posix wine64 dpkg-dev perl make googletest ca-certificates unzip)

@@ -12,6 +12,7 @@
 #     debug     builds everything, runs all tests
 #     headers   each public header compiles alone                     (needs debug)
 #     exports   what the shared library exports                       (needs debug)
+#     api       the interface is the one that api/ records            (needs debug)
 #     install   the library installed and used by a project of its own    (needs debug)
 #     tidy      clang-tidy over the product's sources                 (needs debug)
 #     asan      all tests with the address and undefined behaviour sanitizers
@@ -22,7 +23,7 @@
 # shellcheck source=scripts/lib.sh
 . "$(dirname "$0")/lib.sh"
 
-all_steps=(deps format words shell debug headers exports install tidy asan tsan release debs docs)
+all_steps=(deps format words shell debug headers exports api install tidy asan tsan release debs docs)
 
 # build_preset PRESET [TARGET...]: all targets if none is named.
 build_preset() {
@@ -66,6 +67,7 @@ step_words() { scripts/check-words.sh; }
 step_shell() { scripts/check-shell.sh; }
 step_headers() { scripts/check-headers.sh build/debug; }
 step_exports() { scripts/check-exports.sh build/debug; }
+step_api() { scripts/check-api.sh build/debug; }
 step_install() { scripts/test-install.sh build/debug; }
 step_docs() { scripts/check-docs.sh; }
 step_tidy() { scripts/check-tidy.py --jobs "$CMAKE_BUILD_PARALLEL_LEVEL" build/debug; }
