@@ -41,8 +41,8 @@ bool CJSONObject::isEmpty() const { return members_->json.empty(); }
 
 void CJSONObject::clear() { members_->json.clear(); }
 
-std::string CJSONObject::toLine() const {
-    return members_->json.dump(-1, ' ', false, ordered_json::error_handler_t::replace) + "\n";
+std::string CJSONObject::toLine(bool isForTerminal) const {
+    return members_->json.dump(-1, ' ', isForTerminal, ordered_json::error_handler_t::replace) + "\n";
 }
 
 } // namespace vantra::tool

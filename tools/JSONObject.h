@@ -40,7 +40,9 @@ public:
 
     /// The object in UTF-8 without a line break in it, and a line end. What is no character (half of a
     /// surrogate pair) becomes U+FFFD.
-    [[nodiscard]] std::string toLine() const;
+    /// @param isForTerminal whether to escape all that is not printable ASCII, so that nothing in it moves
+    /// the cursor or turns the direction of writing.
+    [[nodiscard]] std::string toLine(bool isForTerminal = false) const;
 
 private:
     struct Members;

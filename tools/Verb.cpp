@@ -45,7 +45,7 @@ void CVerb::report(const kel::CError* failure) {
     if (failure) result_.setText("error", hidePasswords(failure->getMessage()));
     if (result_.isEmpty()) return;
     const std::unique_ptr<IOutput> output = openOutput(std::nullopt);
-    output->write(result_.toLine());
+    output->write(result_.toLine(output->isTerminal()));
     output->commit();
 }
 

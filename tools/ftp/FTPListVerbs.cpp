@@ -69,10 +69,10 @@ void addEntry(CJSONObject& result, const CFTPDirEntry& entry) {
     if (entry.getModifiedTime() != CTime()) result.setText("modified", describeTime(entry));
 }
 
-std::string describeForPrograms(const CFTPDirEntry& entry) {
+std::string describeForPrograms(const CFTPDirEntry& entry, bool isForTerminal) {
     CJSONObject object;
     addEntry(object, entry);
-    return object.toLine();
+    return object.toLine(isForTerminal);
 }
 
 } // namespace
@@ -89,9 +89,10 @@ void CFTPListVerb::runWith(CEscapingFTPClient& client, CNetRequest& request) {
     const P<CFTPListDirResult> listing = client.listDir(request, getAddress().getPath());
     const std::unique_ptr<IOutput> output = openOutput(std::nullopt);
     std::string text;
+    const auto describeEntry = wantsJSON() ? &describeForPrograms : &describe;
     for (const P<CFTPDirEntry>& entry : listing->getEntries()) {
         if (entry->getName() != "." && entry->getName() != "..")
-            text += wantsJSON() ? describeForPrograms(*entry) : describe(*entry, output->isTerminal());
+            text += describeEntry(*entry, output->isTerminal());
     }
     output->write(text);
     output->commit();

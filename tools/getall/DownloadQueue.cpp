@@ -94,7 +94,8 @@ void CDownloadQueue::finish(CDownload& download) {
 }
 
 void CDownloadQueue::report(CDownload& download) const {
-    if (reporting_.resultOutput) reporting_.resultOutput->write(download.getResult().toLine());
+    IOutput* output = reporting_.resultOutput;
+    if (output) output->write(download.getResult().toLine(output->isTerminal()));
 }
 
 void CDownloadQueue::checkWorld() const {

@@ -40,17 +40,17 @@ std::vector<Entry> getEntries(const CS3ListObjectsResult& page) {
 }
 
 /// A line of the listing for programs.
-std::string describeForPrograms(const Entry& entry) {
+std::string describeForPrograms(const Entry& entry, bool isForTerminal) {
     CJSONObject object;
     if (!entry.object) {
         object.setText("prefix", String(entry.key));
-        return object.toLine();
+        return object.toLine(isForTerminal);
     }
     object.setText("key", entry.object->getKey());
     object.setInteger("size", entry.object->getSize());
     object.setText("modified", entry.object->getLastModified());
     object.setText("etag", entry.object->getETag());
-    return object.toLine();
+    return object.toLine(isForTerminal);
 }
 
 std::string describe(const Entry& entry, bool isForTerminal) {
@@ -127,13 +127,13 @@ void CListCommand::run() {
 }
 
 void CListCommand::list(CS3Client& client, CNetRequest& request, IOutput& output, CTransferLog* log) const {
+    const auto describeEntry = wantsJSON() ? &describeForPrograms : &describe;
     String marker;
     for (;;) {
         const P<CS3ListObjectsResult> page = fetchPage(client, request, marker, log);
         const std::vector<Entry> entries = getEntries(*page);
         std::string lines;
-        for (const Entry& entry : entries)
-            lines += wantsJSON() ? describeForPrograms(entry) : describe(entry, output.isTerminal());
+        for (const Entry& entry : entries) lines += describeEntry(entry, output.isTerminal());
         output.write(lines);
         if (!page->isTruncated()) return;
         const String next = getNextMarker(*page, entries);

@@ -60,6 +60,18 @@ TEST(ToolFTPUsage, ShowsNamesThatDoNothingToATerminalAsTheyAreInAPipe) {
                         "other            -  -                     link\n"));
 }
 
+TEST(ToolFTPUsage, EndsQuietlyWhenNobodyReadsTheListing) {
+    for (const char* option : {"--quiet", "--json"}) {
+        ScriptedFtpServer server;
+        server.sendAsData("type=file;size=1; a\r\n");
+        const Outcome expected{0, "", "tool 1\n"};
+        EXPECT_EQ(
+            runScript("trap '' PIPE; { sleep 0.1; \"$TOOL\" ftp ls \"$@\"; echo \"tool $?\" >&2; } | true",
+                      {option, "ftp://" + server.host() + "/"}),
+            expected);
+    }
+}
+
 TEST(ToolFTPUsage, TellsOfAListingThatIsNone) {
     ScriptedFtpServer server;
     server.sendAsData("nospacehere\r\n");

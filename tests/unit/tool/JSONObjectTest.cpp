@@ -29,6 +29,13 @@ TEST(JSONObject, EscapesWhatWouldBreakTheLineOrTheText) {
     EXPECT_EQ(object.toLine(), "{\"\\\"\":\"a\\\"\\\\\\n\\r\\t\\u001b\x7f\xC3\xBC\xF0\x9F\x98\x80\"}\n");
 }
 
+TEST(JSONObject, HasNothingThatActsOnATerminalIfItIsForOne) {
+    CJSONObject object;
+    object.setText("x", String("\x7F\xC2\x9B"
+                               "2J\xE2\x80\xAE\xC3\xBC\xF0\x9F\x98\x80 ~"));
+    EXPECT_EQ(object.toLine(true), "{\"x\":\"\\u007f\\u009b2J\\u202e\\u00fc\\ud83d\\ude00 ~\"}\n");
+}
+
 TEST(JSONObject, IsEmptyUntilAMemberIsSet) {
     CJSONObject object;
     EXPECT_TRUE(object.isEmpty());
