@@ -6,7 +6,7 @@ _vantra_options() {
     local reporting='--help --json --quiet'
     local connection='--insecure --cacert --timeout --proxy'
     local login='--user --password-file'
-    local request="--header $connection $login --log"
+    local request="--header --header-file $connection $login --log"
     local ftp="$connection $login --tls --cwd --log"
     local mail="--server --tls $login --timeout --log"
     local s3="--endpoint --access-key --secret-key-file --retries $connection --log"
@@ -44,7 +44,7 @@ _vantra_verbs() {
 # Fails for an option that has no value.
 _vantra_complete_value() { # VERB OPTION WORD
     case $2 in
-    -o | --output | -f | --file | --cacert | --password-file | --secret-key-file | --log | --text | --html | --attach)
+    -o | --output | -f | --file | --cacert | --password-file | --secret-key-file | --header-file | --log | --text | --html | --attach)
         mapfile -t COMPREPLY < <(compgen -f -- "$3")
         compopt -o filenames 2>/dev/null
         ;;

@@ -60,8 +60,9 @@ TEST(ToolLog, IsWrittenWhenTheTransferFails) {
 TEST(ToolLog, HoldsNoPassword) {
     NginxServer& server = webServer();
     TempDir folder;
-    EXPECT_EQ(runTool({"get", "--log", folder.file("log.xml"), "--header", "X-Authorization: token", "--user",
-                       "user", "--password-file", "-", server.url("/basic/hello.txt")},
+    EXPECT_EQ(runTool({"get", "--log", folder.file("log.xml"), "--header-file",
+                       folder.writeFile("headers", "X-Authorization: token\n"), "--user", "user",
+                       "--password-file", "-", server.url("/basic/hello.txt")},
                       "secret"),
               succeeded(NginxServer::helloContent()));
     const std::string log = folder.readFile("log.xml");

@@ -130,3 +130,39 @@ TEST(ToolLogin, TakesALongPassword) {
                        server.url()}),
               succeeded("body"));
 }
+
+TEST(ToolLogin, TakesHeadersFromAFile) {
+    TempDir folder;
+    ScriptedServer server;
+    server.play(Script().expectRequest().send(okResponse("body")));
+    const std::string file =
+        folder.writeFile("headers", "Authorization: Bearer t\xC3\xB6ken\r\n\nX-Empty:\nCookie: a=b");
+    EXPECT_EQ(runTool({"get", "--header", "X-Last: z", "--header-file", file, server.url()}),
+              succeeded("body"));
+    const HttpRequest request = server.requests().at(0);
+    EXPECT_EQ(request.header("Authorization"), "Bearer t\xC3\xB6ken");
+    EXPECT_EQ(request.header("Cookie"), "a=b");
+    EXPECT_EQ(request.header("X-Last"), "z");
+    EXPECT_EQ(request.header("X-Empty"), std::nullopt);
+}
+
+TEST(ToolLogin, NeverShowsALineOfAHeaderFile) {
+    TempDir folder;
+    const auto run = [&](std::string_view content) {
+        return runTool({"get", "--header-file", folder.writeFile("headers", content), "http://127.0.0.1:1/"});
+    };
+    const std::string name = "'" + folder.file("headers") + "'";
+    for (const char* content : {"\nsecret", "\n: secret", "\nA: secret\x1B", "\nA: \xFF"})
+        EXPECT_EQ(run(content), failed("Line 2 of " + name + " is not a header as in 'Name: value'."));
+    EXPECT_EQ(run(std::string(300000, 'a')),
+              failed(name + " is larger than 262144 bytes, the most that can be sent."));
+    EXPECT_EQ(runTool({"get", "--header-file", "-", "http://127.0.0.1:1/"}),
+              refused("--header-file: must name a file"));
+}
+
+TEST(ToolLogin, TakesNoHeaderWithASecretFromTheCommandLine) {
+    for (const std::string name : {"Authorization", "proxy-authorization", "Cookie"})
+        EXPECT_EQ(runTool({"get", "--header", name + ": secret", "http://127.0.0.1:1/"}),
+                  refused("--header: others can read the command line; put '" + name +
+                          "' into a file and name that with --header-file"));
+}
