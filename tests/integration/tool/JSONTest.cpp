@@ -1,15 +1,14 @@
 // What the verbs write with --json; a parser that nobody here wrote reads it.
-#include "FTPServers.h"
 #include "MailTool.h"
-#include "Terminal.h"
 #include "VerbTable.h"
 
-#include "support/ProftpdServer.h"
 #include "support/ScriptedFtpServer.h"
 #include "support/ScriptedServer.h"
 #include "support/TempDir.h"
 
 #include <gmock/gmock.h>
+
+#include <algorithm>
 
 using namespace testsupport;
 using namespace tooltest;
