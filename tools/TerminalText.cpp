@@ -33,6 +33,14 @@ std::size_t getBlankLength(std::wstring_view text) {
     return length;
 }
 
+/// A message begins with what it is about and ends with the reason, whatever a user or a server put between.
+String cutMiddle(const String& text) {
+    constexpr std::size_t maxLength = 4000;
+    constexpr std::size_t keptAtEnd = 1500;
+    if (text.length() <= maxLength) return text;
+    return text.substr(0, maxLength - keptAtEnd) + "..." + text.substr(text.length() - keptAtEnd);
+}
+
 } // namespace
 
 std::string toTerminalLine(const String& text) {
@@ -56,18 +64,6 @@ std::string toTerminalLine(const String& text) {
 String shorten(const String& text, std::size_t maxLength) {
     return text.length() <= maxLength ? text : text.substr(0, maxLength) + "...";
 }
-
-namespace {
-
-/// A message begins with what it is about and ends with the reason, whatever a user or a server put between.
-String cutMiddle(const String& text) {
-    constexpr std::size_t maxLength = 4000;
-    constexpr std::size_t keptAtEnd = 1500;
-    if (text.length() <= maxLength) return text;
-    return text.substr(0, maxLength - keptAtEnd) + "..." + text.substr(text.length() - keptAtEnd);
-}
-
-} // namespace
 
 void writeMessage(const String& text) noexcept {
     try {

@@ -27,7 +27,7 @@ TEST(ToolHelp, HasUsageOptionsAndExamplesForEveryVerb) {
         EXPECT_THAT(verb.examples, testing::AllOf(SizeIs(testing::Ge(1U)), SizeIs(testing::Le(3U))))
             << verb.name();
         for (const std::string& example : verb.examples)
-            EXPECT_THAT(example, HasSubstr("vantra " + verb.name() + ""));
+            EXPECT_THAT(example, HasSubstr("vantra " + verb.name()));
         std::vector<std::string> options;
         for (const Verb::Option& option : verb.options) options.push_back(option.name);
         EXPECT_THAT(options, testing::IsSupersetOf({"--help", "--json", "--quiet"})) << verb.name();

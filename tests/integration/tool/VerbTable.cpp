@@ -52,11 +52,7 @@ std::vector<Verb::Option> readOptions(const std::string& help) {
     std::vector<Verb::Option> options;
     std::smatch found;
     for (const std::string& line : splitLines(help))
-        if (std::regex_match(line, found, entry)) {
-            const std::string type = found[3];
-            const bool isDescription = line.find("  " + type, 2) != std::string::npos;
-            options.push_back({found[1], found[2], isDescription ? "" : type});
-        }
+        if (std::regex_match(line, found, entry)) options.push_back({found[1], found[2], found[3]});
     return options;
 }
 
