@@ -5,12 +5,11 @@
 ///     server.waitForPort(port);
 #pragma once
 
-#include "support/FileDescriptor.h"
-#include "support/Spawn.h"
+#include "support/StartedProgram.h"
 
 #include <chrono>
-#include <csignal>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -18,18 +17,6 @@
 #include <vector>
 
 namespace testsupport {
-
-/// How a ChildProcess is started and stopped.
-struct ChildOptions {
-    std::string workingDirectory;              ///< empty (the default) for the test's own
-    Environment environment;                   ///< changes to the test's own environment; none by default
-    std::string outputFile;                    ///< file for both outputs, appended to; empty: kept in memory
-    int stopSignal = SIGTERM;                  ///< what stop() sends first
-    std::chrono::milliseconds stopLimit{5000}; ///< how long stop() waits before it sends SIGKILL
-    /// What the child gets when the test ends without stopping it. A server with workers needs one that it
-    /// can handle, because only the child itself gets it.
-    int deathSignal = SIGTERM;
-};
 
 /// A child process. The destructor stops it; should the test crash, the system does.
 ///
@@ -42,25 +29,24 @@ public:
     /// Starts the program.
     /// @param arguments the program, by path or by name, and its arguments.
     /// @throws std::runtime_error if it cannot be started.
-    explicit ChildProcess(const std::vector<std::string>& arguments, ChildOptions options = {});
-    ~ChildProcess();
+    explicit ChildProcess(const std::vector<std::string>& arguments, const ChildOptions& options = {});
 
-    ChildProcess(const ChildProcess&) = delete;
-    ChildProcess& operator=(const ChildProcess&) = delete;
+    pid_t pid() const { return process_->pid(); }
 
-    pid_t pid() const { return pid_; }
-
-    bool isRunning();
+    bool isRunning() { return !exitStatus(); }
 
     /// The exit status as a shell shows it, or nothing while the child runs.
-    std::optional<int> exitStatus();
+    std::optional<int> exitStatus() { return process_->exitStatus(); }
+
+    /// Sends a signal to the child if it still runs.
+    void send(Signal signal) { process_->send(signal); }
 
     /// Ends the child if it still runs, and waits for that.
     /// @return the exit status as a shell shows it.
-    int stop();
+    int stop() { return process_->stop(); }
 
     /// What the child has written to both outputs so far.
-    std::string output() const;
+    std::string output() const { return process_->output(); }
 
     /// Waits until the child accepts connections on a port of 127.0.0.1.
     /// @throws PortTaken if its output says that somebody else has a port; std::runtime_error, with the end
@@ -74,17 +60,12 @@ public:
     static constexpr std::chrono::milliseconds defaultStartLimit{20000};
 
 private:
-    FileDescriptor openOutput() const;
-    void reap();
     std::string description() const;
     std::string outputTail() const;
     void throwIfStartFailed(const std::string& awaited);
 
-    const ChildOptions options_;
     const std::string program_;
-    FileDescriptor output_;
-    pid_t pid_;
-    std::optional<int> exitStatus_;
+    const std::unique_ptr<StartedProgram> process_;
 };
 
 /// A server could not have its port.

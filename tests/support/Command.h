@@ -5,7 +5,7 @@
 ///     EXPECT_EQ(result.standardOutput, "hello\n");
 #pragma once
 
-#include "support/Spawn.h"
+#include "support/Environment.h"
 
 #include <chrono>
 #include <string>

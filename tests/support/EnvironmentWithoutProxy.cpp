@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
+#include "support/EnvironmentVariable.h"
 
-#include <cstdlib>
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -10,7 +10,7 @@ public:
     void SetUp() override {
         for (const char* variable : {"http_proxy", "HTTP_PROXY", "https_proxy", "HTTPS_PROXY", "ftp_proxy",
                                      "FTP_PROXY", "all_proxy", "ALL_PROXY", "no_proxy", "NO_PROXY"}) {
-            unsetenv(variable);
+            testsupport::removeEnvironmentVariable(variable);
         }
     }
 };

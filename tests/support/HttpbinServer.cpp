@@ -42,7 +42,7 @@ std::unique_ptr<ChildProcess> HttpbinServer::launch(std::uint16_t port) const {
     options.workingDirectory = folder_.path();
     options.environment["GUNICORN_CMD_ARGS"] = std::nullopt;
     // Its orderly end takes a third of a second, and it has nothing to put in order.
-    options.stopSignal = SIGKILL;
+    options.stopSignal = Signal::kill;
     return std::make_unique<ChildProcess>(arguments, options);
 }
 

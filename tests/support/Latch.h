@@ -8,7 +8,7 @@
 ///     latch->release();
 #pragma once
 
-#include "support/FileDescriptor.h"
+#include "support/Event.h"
 
 #include <chrono>
 #include <condition_variable>
@@ -21,8 +21,6 @@ namespace testsupport {
 /// Thread safety: any thread may call any member.
 class Latch {
 public:
-    Latch();
-
     /// Lets all go on who wait now or later.
     void release();
 
@@ -35,11 +33,11 @@ public:
     /// For the waiting side: tells the test that the latch has been reached.
     void reach();
 
-    /// For the waiting side: a descriptor which becomes readable, and stays so, with the release.
-    int descriptor() const { return released_.get(); }
+    /// For the waiting side: becomes readable, and stays so, with the release.
+    const Socket& socket() const { return released_.socket(); }
 
 private:
-    FileDescriptor released_;
+    Event released_;
     mutable std::mutex mutex_;
     std::condition_variable changed_;
     bool isReached_ = false;

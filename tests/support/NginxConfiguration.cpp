@@ -1,10 +1,10 @@
 #include "support/NginxConfiguration.h"
 
 #include "support/AccessLog.h"
+#include "support/ServerUser.h"
 
 #include <map>
 #include <stdexcept>
-#include <unistd.h>
 
 namespace testsupport {
 
@@ -221,10 +221,9 @@ std::string makeNginxConfiguration(const NginxConfiguration& configuration) {
     const NginxCertificates& certificates = configuration.certificates;
     // The worker of a server that root starts would run as another user, who cannot enter the temporary
     // folder.
-    const bool isRoot = ::geteuid() == 0;
     return filled(mainTemplate, {
                                     {"DIR", configuration.folder},
-                                    {"USER", isRoot ? "user root;" : ""},
+                                    {"USER", serverUser().isRoot() ? "user root;" : ""},
                                     {"LOGFORMAT", accessLogFormat()},
                                     {"MARKER", nginxLogMarkerPath},
                                     {"REDIRECTS", redirects()},

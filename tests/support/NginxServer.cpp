@@ -1,5 +1,6 @@
 #include "support/NginxServer.h"
 
+#include "support/FilePath.h"
 #include "support/ServerStart.h"
 #include "support/TcpClient.h"
 #include "support/Wait.h"
@@ -113,7 +114,7 @@ void NginxServer::requestLogMarker(const std::string& target) const {
 void NginxServer::clearAccessLog() {
     accessLog();
     // nginx appends, so it goes on at the new end of the file.
-    std::filesystem::resize_file(folder_.file("access.log"), 0);
+    std::filesystem::resize_file(pathOf(folder_.file("access.log")), 0);
 }
 
 std::string NginxServer::errorLog() const { return folder_.readFile("error.log"); }

@@ -1,109 +1,30 @@
 #include "support/Ports.h"
 
-#include "support/Sockets.h"
 #include "support/Wait.h"
 
+#include <array>
 #include <cerrno>
 #include <chrono>
-#include <cstring>
-#include <fstream>
-#include <mutex>
-#include <poll.h>
-#include <random>
 #include <stdexcept>
-#include <string>
-#include <sys/socket.h>
-#include <sys/un.h>
 
 namespace testsupport {
 
 namespace {
 
-constexpr unsigned firstPort = 10000;
-constexpr unsigned blockSize = 32;
-
-/// The end of the ports to hand out: where the system's own choice of ports begins. A system which gives away
-/// nearly all ports itself leaves no room below; then the reservations among test processes have to be
-/// enough.
-unsigned endOfPorts() {
-    std::ifstream range("/proc/sys/net/ipv4/ip_local_port_range");
-    unsigned first = 0;
-    constexpr unsigned leastRoom = 2000;
-    if (range >> first && first >= firstPort + leastRoom) return first;
-    return 60000;
-}
-
-/// Takes whole blocks of ports for this process and hands them out one by one.
-///
-/// A block belongs to the process which has bound its name in the abstract socket namespace. That is released
-/// by the system however the process ends, and is scoped like the ports themselves: by network namespace.
-class PortReservations {
-public:
-    PortReservations() : nextBlock_(std::random_device()() % blockCount_) {}
-
-    std::uint16_t take() {
-        const std::lock_guard lock(mutex_);
-        while (true) {
-            if (nextPort_ == endOfBlock_) takeBlock();
-            const auto port = static_cast<std::uint16_t>(nextPort_++);
-            if (bindLoopback(port).isOpen()) return port;
-        }
-    }
-
-private:
-    void takeBlock() {
-        for (unsigned tried = 0; tried < blockCount_; ++tried) {
-            const unsigned block = nextBlock_;
-            nextBlock_ = (nextBlock_ + 1) % blockCount_;
-            if (FileDescriptor reservation = reserve(block); reservation.isOpen()) {
-                reservations_.push_back(std::move(reservation));
-                nextPort_ = firstPort + block * blockSize;
-                endOfBlock_ = nextPort_ + blockSize;
-                return;
-            }
-        }
-        throw std::runtime_error("no free TCP port is left for a test server");
-    }
-
-    static FileDescriptor reserve(unsigned block) {
-        FileDescriptor socket =
-            checkedDescriptor(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0), "make a Unix socket");
-        const std::string name = "vantra-test-ports-" + std::to_string(block);
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        std::memcpy(address.sun_path + 1, name.data(), name.size());
-        const auto size = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + name.size());
-        if (::bind(socket.get(), reinterpret_cast<const sockaddr*>(&address), size) == 0) return socket;
-        if (errno != EADDRINUSE) throwErrno("reserve a block of ports");
-        return FileDescriptor();
-    }
-
-    const unsigned blockCount_ = (endOfPorts() - firstPort) / blockSize;
-    std::mutex mutex_;
-    unsigned nextBlock_;
-    unsigned nextPort_ = 0;
-    unsigned endOfBlock_ = 0;
-    std::vector<FileDescriptor> reservations_;
-};
-
-FileDescriptor bindToAnyPort() {
-    FileDescriptor socket = bindLoopback(0);
+Socket bindToAnyPort() {
+    Socket socket = bindLoopback(0);
     if (!socket.isOpen()) throw std::runtime_error("the system has no free port left");
     return socket;
 }
 
 /// Whether an attempt to connect has come to its end, well or not.
-bool hasFinishedConnecting(const FileDescriptor& socket, std::chrono::milliseconds limit) {
-    pollfd entry{socket.get(), POLLOUT, 0};
-    return ::poll(&entry, 1, static_cast<int>(limit.count())) == 1;
+bool hasFinishedConnecting(const Socket& socket, std::chrono::milliseconds limit) {
+    std::array<AwaitedSocket, 1> awaited{{{&socket, Readiness::writable}}};
+    waitForAny(awaited, limit);
+    return awaited[0].isReady;
 }
 
 } // namespace
-
-std::uint16_t freePort() {
-    static PortReservations reservations;
-    return reservations.take();
-}
 
 std::vector<std::uint16_t> freePorts(std::size_t count) {
     std::vector<std::uint16_t> ports;
@@ -112,23 +33,21 @@ std::vector<std::uint16_t> freePorts(std::size_t count) {
 }
 
 bool acceptsConnections(std::uint16_t port) {
-    FileDescriptor socket = newSocket(SOCK_NONBLOCK);
+    const Socket socket = newSocket(Blocking::no);
     const int result = startConnecting(socket, port);
     if (result == 0) return true;
     if (result != EINPROGRESS || !hasFinishedConnecting(socket, pollInterval)) return false;
-    int error = 0;
-    socklen_t size = sizeof error;
-    return ::getsockopt(socket.get(), SOL_SOCKET, SO_ERROR, &error, &size) == 0 && error == 0;
+    return connectionError(socket) == 0;
 }
 
 RefusedPort::RefusedPort() : socket_(bindToAnyPort()), port_(localPort(socket_)) {}
 
 UnansweredPort::UnansweredPort() : socket_(bindToAnyPort()), port_(localPort(socket_)) {
-    if (::listen(socket_.get(), 0) != 0) throwErrno("listen");
+    listenOn(socket_, 0);
     constexpr std::size_t mostAttempts = 16;
     constexpr std::chrono::milliseconds loopbackAnswerTime{50};
     while (queue_.size() < mostAttempts) {
-        FileDescriptor& client = queue_.emplace_back(newSocket(SOCK_NONBLOCK));
+        const Socket& client = queue_.emplace_back(newSocket(Blocking::no));
         const int result = startConnecting(client, port_);
         if (result != 0 && result != EINPROGRESS)
             throw std::runtime_error("cannot fill a queue of connections");

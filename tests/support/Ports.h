@@ -2,7 +2,7 @@
 /// Loopback TCP ports: free ones for servers, and ones which refuse or never answer.
 #pragma once
 
-#include "support/FileDescriptor.h"
+#include "support/Sockets.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -34,7 +34,7 @@ public:
     std::uint16_t port() const { return port_; }
 
 private:
-    FileDescriptor socket_;
+    Socket socket_;
     std::uint16_t port_;
 };
 
@@ -46,9 +46,9 @@ public:
     std::uint16_t port() const { return port_; }
 
 private:
-    FileDescriptor socket_;
+    Socket socket_;
     std::uint16_t port_;
-    std::vector<FileDescriptor> queue_;
+    std::vector<Socket> queue_;
 };
 
 } // namespace testsupport

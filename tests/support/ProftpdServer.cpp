@@ -1,11 +1,9 @@
 #include "support/ProftpdServer.h"
 
 #include "support/Command.h"
+#include "support/ServerUser.h"
 
-#include <pwd.h>
 #include <stdexcept>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace testsupport {
 
@@ -18,16 +16,12 @@ std::string hashedPassword() {
     return result.standardOutput.substr(0, result.standardOutput.find('\n'));
 }
 
-std::string userOfProcess() {
-    const passwd* const user = ::getpwuid(::geteuid());
-    if (user == nullptr) throw std::runtime_error("the test's user has no name");
-    return user->pw_name;
-}
-
 /// Whose rights the server has while nobody is logged in.
 std::string identity() {
-    if (::geteuid() == 0) return "User nobody\nGroup nogroup\n";
-    return "User " + userOfProcess() + "\n";
+    const ServerUser& user = serverUser();
+    if (user.isRoot()) return "User nobody\nGroup nogroup\n";
+    if (user.name.empty()) throw std::runtime_error("the test's user has no name");
+    return "User " + user.name + "\n";
 }
 
 std::string virtualHost(std::uint16_t port, const std::string& directives) {
@@ -37,10 +31,12 @@ std::string virtualHost(std::uint16_t port, const std::string& directives) {
 } // namespace
 
 ProftpdServer::ProftpdServer() {
-    workFolder().writeFile("group", "users:x:" + std::to_string(::getegid()) + ":\n");
-    const std::string passwd = userName() + ":" + hashedPassword() + ":" + std::to_string(::geteuid()) + ":" +
-                               std::to_string(::getegid()) + "::" + folder() + ":/bin/false\n";
-    ::chmod(workFolder().writeFile("passwd", passwd).c_str(), S_IRUSR | S_IWUSR);
+    const ServerUser& user = serverUser();
+    workFolder().writeFile("group", "users:x:" + user.groupId + ":\n");
+    const std::string passwd = userName() + ":" + hashedPassword() + ":" + user.id + ":" + user.groupId +
+                               "::" + folder() + ":/bin/false\n";
+    // The server wants nobody else to be able to read it.
+    runCommand({"chmod", "600", workFolder().writeFile("passwd", passwd)});
     start("/" + folder());
 }
 
@@ -93,7 +89,7 @@ std::unique_ptr<ChildProcess> ProftpdServer::launch(const std::vector<std::uint1
     for (const std::uint16_t port : ports) arguments.push_back(std::to_string(port));
     arguments.insert(arguments.end(), {program, "-c", file});
     ChildOptions options;
-    options.stopSignal = SIGKILL; // it has nothing to put in order
+    options.stopSignal = Signal::kill; // it has nothing to put in order
     return std::make_unique<ChildProcess>(arguments, options);
 }
 

@@ -68,7 +68,7 @@ std::unique_ptr<ChildProcess> PyftpdlibServer::launch(const std::vector<std::uin
         "/usr/bin/python3", "-I", script, folder(), userName(), password(), certificate().combinedFile};
     for (const std::uint16_t port : ports) arguments.push_back(std::to_string(port));
     ChildOptions options;
-    options.stopSignal = SIGKILL; // it has nothing to put in order
+    options.stopSignal = Signal::kill; // it has nothing to put in order
     return std::make_unique<ChildProcess>(arguments, options);
 }
 

@@ -1,17 +1,12 @@
 #include "support/ScriptedConnection.h"
 
 #include "support/ScriptedRecord.h"
-#include "support/Sockets.h"
-#include "support/Wait.h"
+#include "support/SystemError.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <charconv>
-#include <linux/sockios.h>
-#include <poll.h>
-#include <sys/ioctl.h>
-#include <sys/socket.h>
 
 namespace testsupport {
 
@@ -27,9 +22,6 @@ std::size_t parseNumber(std::string_view text, int base, const char* meaning) {
     }
     return value;
 }
-
-/// The milliseconds for poll(), which takes -1 for no limit.
-int pollTime(std::optional<milliseconds> limit) { return limit ? static_cast<int>(limit->count()) : -1; }
 
 } // namespace
 
@@ -55,9 +47,9 @@ std::string quoted(std::string_view bytes) {
     return text;
 }
 
-ScriptedConnection::ScriptedConnection(FileDescriptor socket, int stopDescriptor, std::size_t number,
+ScriptedConnection::ScriptedConnection(Socket socket, const Event& stop, std::size_t number,
                                        ScriptedRecord& record)
-    : socket_(std::move(socket)), stopDescriptor_(stopDescriptor), number_(number), record_(record) {
+    : socket_(std::move(socket)), stop_(stop), number_(number), record_(record) {
     sendWithoutDelay(socket_);
 }
 
@@ -65,15 +57,14 @@ void ScriptedConnection::requireOpen() const {
     if (!socket_.isOpen()) throw std::logic_error("the connection has been closed by the script itself");
 }
 
-/// Waits for events on the connection.
+/// Waits until the connection is ready.
 /// @return false if the limit passed.
-bool ScriptedConnection::waitForEvents(short events, std::optional<milliseconds> limit) {
+bool ScriptedConnection::waitUntilReady(Readiness readiness, std::optional<milliseconds> limit) {
     requireOpen();
-    std::array<pollfd, 2> entries{{{stopDescriptor_, POLLIN, 0}, {socket_.get(), events, 0}}};
-    const int count = ::poll(entries.data(), entries.size(), pollTime(limit));
-    if (count < 0 && errno != EINTR) throwErrno("wait for a client");
-    if (entries[0].revents != 0) throw ServerStopped();
-    return entries[1].revents != 0;
+    std::array<AwaitedSocket, 2> awaited{{{&stop_.socket(), Readiness::readable}, {&socket_, readiness}}};
+    waitForAny(awaited, limit);
+    if (awaited[0].isReady) throw ServerStopped();
+    return awaited[1].isReady;
 }
 
 /// Receives what there is, or waits for it.
@@ -81,7 +72,7 @@ bool ScriptedConnection::waitForEvents(short events, std::optional<milliseconds>
 bool ScriptedConnection::receiveMore() {
     std::array<char, 65536> buffer;
     while (true) {
-        const ssize_t size = ::recv(socket_.get(), buffer.data(), buffer.size(), 0);
+        const std::ptrdiff_t size = receive(socket_, buffer);
         if (size == 0) return false;
         if (size > 0) {
             const std::string_view bytes(buffer.data(), static_cast<std::size_t>(size));
@@ -91,7 +82,7 @@ bool ScriptedConnection::receiveMore() {
         }
         if (errno == ECONNRESET) throw ClientGone("the client reset the connection");
         if (errno != EAGAIN && errno != EINTR) throwErrno("receive");
-        waitForEvents(POLLIN, std::nullopt);
+        waitUntilReady(Readiness::readable, std::nullopt);
     }
 }
 
@@ -105,7 +96,7 @@ void ScriptedConnection::requireMore(std::string_view awaited) {
 /// Receives what has come already, without waiting.
 void ScriptedConnection::receivePending() {
     try {
-        while (waitForEvents(POLLIN, milliseconds(0)) && receiveMore()) {
+        while (waitUntilReady(Readiness::readable, milliseconds(0)) && receiveMore()) {
         }
     } catch (const ClientGone&) {
         // Whoever is about to close does not mind.
@@ -195,14 +186,14 @@ std::optional<HttpRequest> ScriptedConnection::readRequest() {
 void ScriptedConnection::send(std::string_view bytes) {
     requireOpen();
     while (!bytes.empty()) {
-        const ssize_t size = ::send(socket_.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+        const std::ptrdiff_t size = sendSome(socket_, bytes);
         if (size >= 0) {
             bytes.remove_prefix(static_cast<std::size_t>(size));
         } else if (errno == EPIPE || errno == ECONNRESET) {
             throw ClientGone("the client closed the connection with " + std::to_string(bytes.size()) +
                              " bytes left to send");
         } else if (errno == EAGAIN) {
-            waitForEvents(POLLOUT, std::nullopt);
+            waitUntilReady(Readiness::writable, std::nullopt);
         } else if (errno != EINTR) {
             throwErrno("send");
         }
@@ -220,8 +211,9 @@ void ScriptedConnection::sendInChunks(std::string_view bytes, std::size_t chunkS
 }
 
 void ScriptedConnection::delay(milliseconds time) {
-    pollfd entry{stopDescriptor_, POLLIN, 0};
-    if (::poll(&entry, 1, pollTime(time)) == 1) throw ServerStopped();
+    std::array<AwaitedSocket, 1> awaited{{{&stop_.socket(), Readiness::readable}}};
+    waitForAny(awaited, time);
+    if (awaited[0].isReady) throw ServerStopped();
 }
 
 bool ScriptedConnection::stall(const std::shared_ptr<Latch>& latch) {
@@ -235,16 +227,15 @@ bool ScriptedConnection::stallWithoutReading(const std::shared_ptr<Latch>& latch
 bool ScriptedConnection::stallUntilReleased(const std::shared_ptr<Latch>& latch, bool isReading) {
     requireOpen();
     if (latch) latch->reach();
-    const short events = isReading ? POLLIN : POLLRDHUP;
+    const Readiness readiness = isReading ? Readiness::readable : Readiness::peerIsGone;
     while (true) {
-        // poll() passes over an entry with descriptor -1.
-        std::array<pollfd, 3> entries{{{stopDescriptor_, POLLIN, 0},
-                                       {latch ? latch->descriptor() : -1, POLLIN, 0},
-                                       {socket_.get(), events, 0}}};
-        if (::poll(entries.data(), entries.size(), -1) < 0 && errno != EINTR) throwErrno("stall");
-        if (entries[0].revents != 0) throw ServerStopped();
-        if (entries[1].revents != 0) return true;
-        if (entries[2].revents == 0) continue;
+        std::array<AwaitedSocket, 3> awaited{{{&stop_.socket(), Readiness::readable},
+                                              {latch ? &latch->socket() : nullptr, Readiness::readable},
+                                              {&socket_, readiness}}};
+        waitForAny(awaited, std::nullopt);
+        if (awaited[0].isReady) throw ServerStopped();
+        if (awaited[1].isReady) return true;
+        if (!awaited[2].isReady) continue;
         try {
             if (!isReading || !receiveMore()) return false;
         } catch (const ClientGone&) {
@@ -255,11 +246,10 @@ bool ScriptedConnection::stallUntilReleased(const std::shared_ptr<Latch>& latch,
 
 void ScriptedConnection::waitFor(const std::shared_ptr<Latch>& latch) {
     latch->reach();
-    std::array<pollfd, 2> entries{{{stopDescriptor_, POLLIN, 0}, {latch->descriptor(), POLLIN, 0}}};
-    while (entries[0].revents == 0 && entries[1].revents == 0) {
-        if (::poll(entries.data(), entries.size(), -1) < 0 && errno != EINTR) throwErrno("wait for a latch");
-    }
-    if (entries[0].revents != 0) throw ServerStopped();
+    std::array<AwaitedSocket, 2> awaited{
+        {{&stop_.socket(), Readiness::readable}, {&latch->socket(), Readiness::readable}}};
+    while (!awaited[0].isReady && !awaited[1].isReady) waitForAny(awaited, std::nullopt);
+    if (awaited[0].isReady) throw ServerStopped();
 }
 
 void ScriptedConnection::close() {
@@ -270,27 +260,16 @@ void ScriptedConnection::close() {
 
 void ScriptedConnection::halfClose() {
     requireOpen();
-    if (::shutdown(socket_.get(), SHUT_WR) != 0)
-        throw ClientGone("the client was gone before the half-close");
+    if (!endSending(socket_)) throw ClientGone("the client was gone before the half-close");
     isHalfClosed_ = true;
 }
 
 void ScriptedConnection::reset() {
     requireOpen();
-    waitUntilDelivered();
-    resetConnection(socket_);
-}
-
-/// A reset discards what waits to be sent. A client that does not read leaves it waiting, so there is a
-/// limit.
-void ScriptedConnection::waitUntilDelivered() {
+    // A reset discards what waits to be sent.
     constexpr milliseconds limit{1000};
-    waitUntil(
-        [this] {
-            int unsent = 0;
-            return ::ioctl(socket_.get(), SIOCOUTQ, &unsent) != 0 || unsent == 0;
-        },
-        limit);
+    waitUntilDelivered(socket_, limit);
+    resetConnection(socket_);
 }
 
 void ScriptedConnection::waitForEnd() {

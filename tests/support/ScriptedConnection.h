@@ -2,9 +2,10 @@
 /// The server's end of one connection to a ScriptedServer, for handlers and for the steps of a Script.
 #pragma once
 
-#include "support/FileDescriptor.h"
+#include "support/Event.h"
 #include "support/HttpRequest.h"
 #include "support/Latch.h"
+#include "support/Sockets.h"
 
 #include <chrono>
 #include <cstddef>
@@ -41,8 +42,8 @@ struct ServerStopped {};
 /// only.
 class ScriptedConnection {
 public:
-    /// @param stopDescriptor becomes readable when the server is destroyed.
-    ScriptedConnection(FileDescriptor socket, int stopDescriptor, std::size_t number, ScriptedRecord& record);
+    /// @param stop happens when the server is destroyed.
+    ScriptedConnection(Socket socket, const Event& stop, std::size_t number, ScriptedRecord& record);
 
     /// The connection's number, from 0 in the order of arrival.
     std::size_t number() const { return number_; }
@@ -108,18 +109,17 @@ public:
     void waitForEnd();
 
 private:
-    bool waitForEvents(short events, std::optional<std::chrono::milliseconds> limit);
+    bool waitUntilReady(Readiness readiness, std::optional<std::chrono::milliseconds> limit);
     bool receiveMore();
     void requireMore(std::string_view awaited);
     void receivePending();
-    void waitUntilDelivered();
     std::string takeBytes(std::size_t count);
     std::string readChunkedBody();
     bool stallUntilReleased(const std::shared_ptr<Latch>& latch, bool isReading);
     void requireOpen() const;
 
-    FileDescriptor socket_;
-    const int stopDescriptor_;
+    Socket socket_;
+    const Event& stop_;
     const std::size_t number_;
     ScriptedRecord& record_;
     std::string unread_; // received, and not yet asked for by a read

@@ -1,16 +1,11 @@
 #include "support/ScriptedServer.h"
 
-#include "support/Sockets.h"
 #include "support/Wait.h"
 
 #include <array>
 #include <cerrno>
 #include <exception>
-#include <fcntl.h>
-#include <poll.h>
 #include <stdexcept>
-#include <sys/eventfd.h>
-#include <sys/socket.h>
 #include <system_error>
 #include <utility>
 
@@ -18,11 +13,12 @@ namespace testsupport {
 
 namespace {
 
-FileDescriptor listenOnAnyPort() {
-    FileDescriptor listener = bindLoopback(0);
+Socket listenOnAnyPort() {
+    constexpr int backlog = 4096;
+    Socket listener = bindLoopback(0);
     if (!listener.isOpen()) throw std::runtime_error("the system has no free port left");
-    if (::fcntl(listener.get(), F_SETFL, O_NONBLOCK) != 0) throwErrno("make a socket non-blocking");
-    if (::listen(listener.get(), SOMAXCONN) != 0) throwErrno("listen");
+    makeNonBlocking(listener);
+    listenOn(listener, backlog);
     return listener;
 }
 
@@ -31,14 +27,13 @@ FileDescriptor listenOnAnyPort() {
 ScriptedServer::ScriptedServer() : ScriptedServer(Handler()) {}
 
 ScriptedServer::ScriptedServer(Handler handler)
-    : stop_(checkedDescriptor(::eventfd(0, EFD_CLOEXEC), "make an event descriptor")),
-      listener_(listenOnAnyPort()),
+    : listener_(listenOnAnyPort()),
       port_(localPort(listener_)),
       handler_(std::move(handler)),
       acceptor_([this] { acceptConnections(); }) {}
 
 ScriptedServer::~ScriptedServer() {
-    ::eventfd_write(stop_.get(), 1);
+    stop_.set();
     acceptor_.join();
     for (Worker& worker : workers_) worker.thread.join();
 }
@@ -55,8 +50,7 @@ void ScriptedServer::play(Script script) {
 void ScriptedServer::setReceiveBufferSize(int bytes) {
     // Connections inherit it from the listening socket; later it would not bound what the client may already
     // send.
-    if (::setsockopt(listener_.get(), SOL_SOCKET, SO_RCVBUF, &bytes, sizeof bytes) != 0)
-        throwErrno("set SO_RCVBUF");
+    testsupport::setReceiveBufferSize(listener_, bytes);
 }
 
 bool ScriptedServer::waitForConnections(std::size_t count, std::chrono::milliseconds limit) {
@@ -85,16 +79,17 @@ std::size_t ScriptedServer::waitingScripts() const {
 
 void ScriptedServer::acceptConnections() {
     while (true) {
-        std::array<pollfd, 2> entries{{{stop_.get(), POLLIN, 0}, {listener_.get(), POLLIN, 0}}};
-        ::poll(entries.data(), entries.size(), -1);
-        if (entries[0].revents != 0) return;
-        if (entries[1].revents != 0 && !acceptOne()) return;
+        std::array<AwaitedSocket, 2> awaited{
+            {{&stop_.socket(), Readiness::readable}, {&listener_, Readiness::readable}}};
+        waitForAny(awaited, std::nullopt);
+        if (awaited[0].isReady) return;
+        if (awaited[1].isReady && !acceptOne()) return;
     }
 }
 
 /// @return false if the server cannot go on.
 bool ScriptedServer::acceptOne() {
-    FileDescriptor socket(::accept4(listener_.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
+    Socket socket = acceptConnection(listener_);
     if (socket.isOpen()) {
         joinFinishedWorkers();
         startWorker(std::move(socket));
@@ -105,7 +100,7 @@ bool ScriptedServer::acceptOne() {
     return false;
 }
 
-void ScriptedServer::startWorker(FileDescriptor socket) {
+void ScriptedServer::startWorker(Socket socket) {
     Assignment assignment = assignHandler();
     if (!assignment.handler) {
         record_.addError(assignment.connection, "there was no script for it");
@@ -114,7 +109,7 @@ void ScriptedServer::startWorker(FileDescriptor socket) {
     Worker& worker = workers_.emplace_back();
     worker.thread = std::thread(
         [this, &worker, assignment = std::move(assignment), socket = std::move(socket)]() mutable {
-            ScriptedConnection connection(std::move(socket), stop_.get(), assignment.connection, record_);
+            ScriptedConnection connection(std::move(socket), stop_, assignment.connection, record_);
             serve(connection, assignment);
             worker.isFinished = true;
         });

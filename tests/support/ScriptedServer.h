@@ -9,11 +9,12 @@
 ///     EXPECT_THAT(server.finish(), IsEmpty());
 #pragma once
 
-#include "support/FileDescriptor.h"
+#include "support/Event.h"
 #include "support/HttpRequest.h"
 #include "support/Script.h"
 #include "support/ScriptedConnection.h"
 #include "support/ScriptedRecord.h"
+#include "support/Sockets.h"
 
 #include <atomic>
 #include <chrono>
@@ -105,7 +106,7 @@ private:
 
     void acceptConnections();
     bool acceptOne();
-    void startWorker(FileDescriptor socket);
+    void startWorker(Socket socket);
     Assignment assignHandler();
     Handler handlerFor(Script script);
     void serve(ScriptedConnection& connection, const Assignment& assignment);
@@ -113,8 +114,8 @@ private:
     void joinFinishedWorkers();
 
     ScriptedRecord record_;
-    FileDescriptor stop_;
-    FileDescriptor listener_;
+    Event stop_;
+    Socket listener_;
     std::uint16_t port_;
     const Handler handler_;
     mutable std::mutex mutex_;

@@ -1,9 +1,9 @@
 #include "support/SmtpServer.h"
 
+#include "support/FilePath.h"
 #include "support/FlatJson.h"
 #include "support/ServerStart.h"
 
-#include <filesystem>
 #include <map>
 #include <sstream>
 #include <utility>
@@ -52,7 +52,7 @@ std::unique_ptr<ChildProcess> SmtpServer::launch(const std::vector<std::uint16_t
     for (const std::uint16_t port : ports) arguments.push_back(std::to_string(port));
     arguments.insert(arguments.end(), {certificate.certFile, certificate.keyFile});
     ChildOptions options;
-    options.stopSignal = SIGKILL; // it has nothing to put in order
+    options.stopSignal = Signal::kill; // it has nothing to put in order
     return std::make_unique<ChildProcess>(arguments, options);
 }
 
@@ -61,10 +61,10 @@ std::vector<SmtpMail> SmtpServer::takeMails() {
     for (;;) {
         const std::string name = std::to_string(taken_ + 1);
         // Written after the mail itself.
-        if (!std::filesystem::exists(folder_.file(name + ".json"))) return mails;
+        if (!std::filesystem::exists(pathOf(folder_.file(name + ".json")))) return mails;
         mails.push_back(
             makeMail(folder_.readFile(name + ".eml"), parseFlatJson(folder_.readFile(name + ".json"))));
-        std::filesystem::remove(folder_.file(name + ".eml"));
+        std::filesystem::remove(pathOf(folder_.file(name + ".eml")));
         ++taken_;
     }
 }

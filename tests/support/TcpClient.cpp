@@ -1,22 +1,16 @@
 #include "support/TcpClient.h"
 
-#include "support/Sockets.h"
+#include "support/SystemError.h"
 
 #include <array>
 #include <cerrno>
 #include <stdexcept>
-#include <sys/socket.h>
-#include <sys/time.h>
 
 namespace testsupport {
 
-TcpClient::TcpClient(std::uint16_t port) : socket_(newSocket(0)) {
-    const timeval limit{10, 0};
-    for (const int option : {SO_RCVTIMEO, SO_SNDTIMEO}) {
-        if (::setsockopt(socket_.get(), SOL_SOCKET, option, &limit, sizeof limit) != 0) {
-            throwErrno("set a socket's time limit");
-        }
-    }
+TcpClient::TcpClient(std::uint16_t port, std::chrono::milliseconds limit)
+    : socket_(newSocket(Blocking::yes)) {
+    setTimeLimit(socket_, limit);
     sendWithoutDelay(socket_);
     const int error = startConnecting(socket_, port);
     if (error != 0) {
@@ -27,7 +21,7 @@ TcpClient::TcpClient(std::uint16_t port) : socket_(newSocket(0)) {
 
 void TcpClient::send(std::string_view bytes) {
     while (!bytes.empty()) {
-        const ssize_t size = ::send(socket_.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+        const std::ptrdiff_t size = sendSome(socket_, bytes);
         if (size < 0) throwErrno("send");
         bytes.remove_prefix(static_cast<std::size_t>(size));
     }
@@ -42,7 +36,7 @@ std::string TcpClient::takeBytes(std::size_t count) {
 std::string TcpClient::readSome() {
     if (!unread_.empty()) return takeBytes(unread_.size());
     std::array<char, 65536> buffer;
-    const ssize_t size = ::recv(socket_.get(), buffer.data(), buffer.size(), 0);
+    const std::ptrdiff_t size = receive(socket_, buffer);
     if (size < 0) throwErrno("receive");
     return std::string(buffer.data(), static_cast<std::size_t>(size));
 }
@@ -79,7 +73,7 @@ std::string TcpClient::readToEnd() {
 }
 
 void TcpClient::finishSending() {
-    if (::shutdown(socket_.get(), SHUT_WR) != 0) throwErrno("end sending");
+    if (!endSending(socket_)) throwErrno("end sending");
 }
 
 void TcpClient::close() { socket_.reset(); }

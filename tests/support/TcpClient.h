@@ -6,8 +6,9 @@
 ///     EXPECT_EQ(client.readToEnd(), "HTTP/1.0 204 No Content\r\n\r\n");
 #pragma once
 
-#include "support/FileDescriptor.h"
+#include "support/Sockets.h"
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -15,13 +16,14 @@
 
 namespace testsupport {
 
-/// A TCP connection to a port of 127.0.0.1. Every member that waits gives up after ten seconds.
+/// A TCP connection to a port of 127.0.0.1. Every member that waits gives up after a time.
 ///
 /// All members throw std::system_error when the connection fails, with ECONNRESET after a reset and EAGAIN
 /// when the time has passed. Thread safety: one thread at a time.
 class TcpClient {
 public:
-    explicit TcpClient(std::uint16_t port);
+    /// @param limit how long a member may wait for the next byte to go either way.
+    explicit TcpClient(std::uint16_t port, std::chrono::milliseconds limit = std::chrono::seconds(10));
 
     void send(std::string_view bytes);
 
@@ -51,7 +53,7 @@ private:
     std::string takeBytes(std::size_t count);
     void requireMore(std::string_view awaited);
 
-    FileDescriptor socket_;
+    Socket socket_;
     std::string unread_;
 };
 

@@ -24,7 +24,8 @@ public:
     TempDir(const TempDir&) = delete;
     TempDir& operator=(const TempDir&) = delete;
 
-    /// The folder's absolute path, without a slash at the end.
+    /// The folder's absolute path, with slashes and without one at the end. The same for every program, on
+    /// whichever system it runs.
     const std::string& path() const { return path_; }
 
     /// The absolute path of a file in the folder, which need not exist.

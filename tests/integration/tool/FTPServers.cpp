@@ -1,5 +1,6 @@
 #include "FTPServers.h"
 
+#include "support/FilePath.h"
 #include "support/ProftpdServer.h"
 #include "support/PyftpdlibServer.h"
 
@@ -25,7 +26,7 @@ std::string testFolder() {
 
 ToolFtp::ToolFtp()
     : folder_(testFolder()), passwordFile_(local_.writeFile("password", FtpServer::password() + "\n")) {
-    std::filesystem::create_directories(fileAt(""));
+    std::filesystem::create_directories(testsupport::pathOf(fileAt("")));
 }
 
 Outcome ToolFtp::runFtp(std::vector<std::string> arguments, std::string_view standardInput) const {
@@ -52,8 +53,9 @@ std::string ToolFtp::urlFromLogin(std::string_view path) const {
 std::string ToolFtp::url(std::string_view path) const { return serverUrl(folder_ + std::string(path)); }
 
 void ToolFtp::writeFile(std::string_view path, std::string_view content) const {
-    std::filesystem::create_directories(std::filesystem::path(fileAt(path)).parent_path());
-    std::ofstream stream(fileAt(path), std::ios::binary | std::ios::trunc);
+    const std::filesystem::path file = testsupport::pathOf(fileAt(path));
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream stream(file, std::ios::binary | std::ios::trunc);
     stream << content;
     stream.close();
     if (!stream) throw std::runtime_error("cannot write " + fileAt(path));

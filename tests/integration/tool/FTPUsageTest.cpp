@@ -1,19 +1,12 @@
 #include "Tool.h"
 
-#include "support/ChildProcess.h"
 #include "support/ScriptedFtpServer.h"
-#include "support/ScriptedServer.h"
-#include "support/TempDir.h"
-#include "support/Wait.h"
 
 #include <gmock/gmock.h>
-
-#include <csignal>
 
 using namespace testsupport;
 using namespace tooltest;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 TEST(ToolFTPUsage, NeedsAnFTPURL) {
     EXPECT_EQ(runTool({"ftp", "ls", "http://h/"}), refused("URL: needs an ftp or ftps URL"));
@@ -77,27 +70,4 @@ TEST(ToolFTPUsage, TellsOfAListingThatIsNone) {
     server.sendAsData("nospacehere\r\n");
     EXPECT_EQ(runTool({"ftp", "ls", "ftp://" + server.host() + "/"}),
               failed("Invalid FTP dir entry: 'nospacehere'"));
-}
-
-TEST(ToolFTPInterrupt, LeavesNothingOfADownload) {
-    ScriptedServer data;
-    data.play(Script().send("half").stall());
-    ScriptedFtpServer server;
-    server.answer("EPSV", "229 Entering Extended Passive Mode (|||" + std::to_string(data.port()) + "|)\r\n");
-    server.answer("RETR f", "150 here it comes\r\n");
-    TempDir folder;
-    ChildOptions options;
-    options.environment = toolEnvironment();
-    ChildProcess tool({toolPath(), "ftp", "get", "-o", folder.file("out"), "ftp://" + server.host() + "/f"},
-                      options);
-    constexpr std::chrono::seconds limit{20};
-    ASSERT_TRUE(data.waitForConnections(1));
-    ASSERT_TRUE(waitUntil([&] { return filesIn(folder.path()).size() == 1; }, limit));
-    ASSERT_TRUE(waitUntil([&] { return server.commands().back() == "RETR f"; }, limit));
-
-    kill(tool.pid(), SIGINT);
-    ASSERT_TRUE(waitUntil([&] { return !tool.isRunning(); }, limit));
-    EXPECT_EQ(tool.exitStatus(), 128 + SIGINT);
-    EXPECT_EQ(tool.output(), "");
-    EXPECT_THAT(filesIn(folder.path()), IsEmpty());
 }

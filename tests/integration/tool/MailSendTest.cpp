@@ -1,15 +1,10 @@
 #include "MailTool.h"
 
-#include "support/ChildProcess.h"
-#include "support/Latch.h"
 #include "support/Ports.h"
 #include "support/ScriptedServer.h"
 #include "support/TempDir.h"
-#include "support/Wait.h"
 
 #include <gmock/gmock.h>
-
-#include <csignal>
 
 using namespace testsupport;
 using namespace tooltest;
@@ -227,20 +222,4 @@ TEST_F(ToolMail, EndsInTimeWhenTheServerDoesNot) {
     EXPECT_EQ(outcome.exitStatus, 1);
     EXPECT_THAT(outcome.error,
                 StartsWith("vantra: smtp://" + serverAt(server.port()) + ": Timeout was reached: "));
-}
-
-TEST_F(ToolMail, StopsWhenTheUserInterruptsIt) {
-    ScriptedServer server;
-    const auto greeted = std::make_shared<Latch>();
-    server.play(Script().send("220 hello\r\n").expectAnyLine().stall(greeted));
-    ChildOptions options;
-    options.environment = toolEnvironment();
-    ChildProcess tool({toolPath(), "mail", "send", "--server", serverAt(server.port()), "--tls", "none",
-                       "--from", "a@b.c", "--to", "d@e.f", "--subject", "x", "--text", file("text", "")},
-                      options);
-    ASSERT_TRUE(greeted->waitUntilReached());
-    kill(tool.pid(), SIGINT);
-    ASSERT_TRUE(waitUntil([&] { return !tool.isRunning(); }, std::chrono::seconds(20)));
-    EXPECT_EQ(tool.exitStatus(), 128 + SIGINT);
-    EXPECT_EQ(tool.output(), "");
 }

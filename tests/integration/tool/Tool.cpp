@@ -1,5 +1,7 @@
 #include "Tool.h"
 
+#include "support/FilePath.h"
+
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -70,8 +72,8 @@ testsupport::NginxServer& webServer() {
 
 std::vector<std::string> filesIn(const std::string& folder) {
     std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder))
-        names.push_back(entry.path().filename().string());
+    for (const auto& entry : std::filesystem::directory_iterator(testsupport::pathOf(folder)))
+        names.push_back(testsupport::nameOf(entry.path().filename()));
     std::sort(names.begin(), names.end());
     return names;
 }

@@ -1,8 +1,8 @@
 #include "support/Command.h"
+#include "support/Signal.h"
 #include "support/TempDir.h"
 
 #include <chrono>
-#include <csignal>
 #include <gtest/gtest.h>
 #include <stdexcept>
 #include <string>
@@ -40,7 +40,9 @@ TEST(RunCommand, DoesNotMindAProgramThatIgnoresItsInput) {
     EXPECT_EQ(runCommand({"true"}, input).exitStatus, 0);
 }
 
-TEST(RunCommand, ShowsASignalAsAShellDoes) { EXPECT_EQ(shell("kill -TERM $$").exitStatus, 128 + SIGTERM); }
+TEST(RunCommand, ShowsASignalAsAShellDoes) {
+    EXPECT_EQ(shell("kill -TERM $$").exitStatus, exitStatusAfter(Signal::terminate));
+}
 
 TEST(RunCommand, UsesTheFolderAndTheEnvironmentGiven) {
     const TempDir folder;

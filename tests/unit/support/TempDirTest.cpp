@@ -1,5 +1,7 @@
 #include "support/TempDir.h"
 
+#include "support/Command.h"
+
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <stdexcept>
@@ -10,7 +12,7 @@ using namespace testsupport;
 TEST(TempDir, IsAnEmptyFolderOfItsUserOnly) {
     const TempDir folder;
     EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
-    EXPECT_EQ(std::filesystem::status(folder.path()).permissions(), std::filesystem::perms::owner_all);
+    EXPECT_EQ(runCommand({"stat", "-c", "%A", folder.path()}).standardOutput, "drwx------\n");
 }
 
 TEST(TempDir, IsUnique) {

@@ -1,4 +1,4 @@
-/// @file support/ProcessGroup.h
+/// @file support/posix/ProcessGroup.h
 /// A look at a process group from outside.
 #pragma once
 

@@ -1,14 +1,14 @@
+#include "MailTool.h"
 #include "Tool.h"
 
 #include "support/ChildProcess.h"
-#include "support/FileDescriptor.h"
+#include "support/posix/FileDescriptor.h"
+#include "support/ScriptedFtpServer.h"
 #include "support/ScriptedServer.h"
 #include "support/TempDir.h"
 #include "support/Wait.h"
 
 #include <gmock/gmock.h>
-
-#include <csignal>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -55,7 +55,7 @@ bool isSleeping(pid_t process) {
 } // namespace
 
 TEST(ToolInterrupt, RemovesWhatWasWrittenAndEndsByTheSignal) {
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const Signal signal : {Signal::interrupt, Signal::terminate, Signal::hangUp}) {
         ScriptedServer server;
         server.play(Script().expectRequest().send(half).stall());
         TempDir folder;
@@ -63,9 +63,9 @@ TEST(ToolInterrupt, RemovesWhatWasWrittenAndEndsByTheSignal) {
         ASSERT_TRUE(server.waitForRequests(1));
         ASSERT_EQ(filesIn(folder.path()).size(), 1U);
 
-        kill(tool.pid(), signal);
+        tool.send(signal);
         ASSERT_TRUE(waitUntil([&] { return !tool.isRunning(); }, waitLimit));
-        EXPECT_EQ(tool.exitStatus(), 128 + signal);
+        EXPECT_EQ(tool.exitStatus(), exitStatusAfter(signal));
         EXPECT_EQ(tool.output(), "");
         EXPECT_THAT(filesIn(folder.path()), IsEmpty());
         EXPECT_THAT(server.finish(), IsEmpty());
@@ -91,7 +91,7 @@ TEST(ToolInterrupt, IsAnOrdinaryExitStatusAfterControlC) {
 }
 
 TEST(ToolInterrupt, RemovesEveryRunningDownload) {
-    for (const int signal : {SIGINT, SIGTERM}) {
+    for (const Signal signal : {Signal::interrupt, Signal::terminate}) {
         ScriptedServer server;
         server.play(Script().expectRequest().send(okResponse("done")).close());
         for (int i = 0; i < 3; ++i) server.play(Script().expectRequest().send(half).stall());
@@ -101,9 +101,9 @@ TEST(ToolInterrupt, RemovesEveryRunningDownload) {
                           toolOptions());
         ASSERT_TRUE(server.waitForRequests(4));
         ASSERT_TRUE(waitUntil([&] { return filesIn(folder.path()).size() == 4; }, waitLimit));
-        kill(tool.pid(), signal);
+        tool.send(signal);
         ASSERT_TRUE(waitUntil([&] { return !tool.isRunning(); }, waitLimit));
-        EXPECT_EQ(tool.exitStatus(), 128 + signal);
+        EXPECT_EQ(tool.exitStatus(), exitStatusAfter(signal));
         EXPECT_EQ(tool.output(), "");
         EXPECT_EQ(filesIn(folder.path()).size(), 1U); // the one that was complete
         EXPECT_THAT(server.finish(), IsEmpty());
@@ -119,7 +119,7 @@ TEST(ToolInterrupt, EndsAnUpload) {
     ChildProcess tool({toolPath(), "post", server.url(), "-f", folder.file("body"), "-o", folder.file("out")},
                       toolOptions());
     ASSERT_TRUE(latch->waitUntilReached());
-    kill(tool.pid(), SIGINT);
+    tool.send(Signal::interrupt);
     ASSERT_TRUE(waitUntil([&] { return !tool.isRunning(); }, waitLimit));
     latch->release();
     EXPECT_EQ(tool.exitStatus(), 130);
@@ -136,7 +136,7 @@ TEST(ToolInterrupt, EndsTheWaitForStandardInput) {
                        server.url(), folder.file("pipe"), folder.file("out")},
                       toolOptions());
     ASSERT_TRUE(server.waitForConnections(1));
-    kill(tool.pid(), SIGINT);
+    tool.send(Signal::interrupt);
     ASSERT_TRUE(waitUntil([&] { return !tool.isRunning(); }, waitLimit));
     EXPECT_EQ(tool.exitStatus(), 130);
     EXPECT_EQ(tool.output(), "");
@@ -151,7 +151,7 @@ TEST(ToolInterrupt, StillWritesTheLog) {
         {toolPath(), "get", "-o", folder.file("out"), "--log", folder.file("log"), server.url()},
         toolOptions());
     ASSERT_TRUE(server.waitForRequests(1));
-    kill(tool.pid(), SIGINT);
+    tool.send(Signal::interrupt);
     ASSERT_TRUE(waitUntil([&] { return !tool.isRunning(); }, waitLimit));
     EXPECT_EQ(tool.exitStatus(), 130);
     EXPECT_THAT(filesIn(folder.path()), ElementsAre("log"));
@@ -168,9 +168,9 @@ TEST(ToolInterrupt, WorksWhileNobodyTakesTheOutput) {
         toolOptions());
     ASSERT_TRUE(waitUntil([&] { return pipe.isFull() && isSleeping(tool.pid()); }, waitLimit));
 
-    kill(tool.pid(), SIGTERM);
+    tool.send(Signal::terminate);
     ASSERT_TRUE(waitUntil([&] { return !tool.isRunning(); }, waitLimit));
-    EXPECT_EQ(tool.exitStatus(), 128 + SIGTERM);
+    EXPECT_EQ(tool.exitStatus(), exitStatusAfter(Signal::terminate));
     EXPECT_EQ(tool.output(), "");
 }
 
@@ -181,9 +181,45 @@ TEST(ToolInterrupt, IsIgnoredWhereTheCallerWantsItSo) {
     ChildProcess tool({"bash", "-c", "trap '' HUP; exec \"$TOOL\" get \"$1\"", "bash", server.url()},
                       toolOptions());
     ASSERT_TRUE(waitUntil([&] { return tool.output() == "half"; }, waitLimit));
-    kill(tool.pid(), SIGHUP);
+    tool.send(Signal::hangUp);
     latch->release();
     ASSERT_TRUE(waitUntil([&] { return !tool.isRunning(); }, waitLimit));
     EXPECT_EQ(tool.exitStatus(), 0);
     EXPECT_EQ(tool.output(), "halfdone");
+}
+
+TEST(ToolFTPInterrupt, LeavesNothingOfADownload) {
+    ScriptedServer data;
+    data.play(Script().send("half").stall());
+    ScriptedFtpServer server;
+    server.answer("EPSV", "229 Entering Extended Passive Mode (|||" + std::to_string(data.port()) + "|)\r\n");
+    server.answer("RETR f", "150 here it comes\r\n");
+    TempDir folder;
+    ChildProcess tool({toolPath(), "ftp", "get", "-o", folder.file("out"), "ftp://" + server.host() + "/f"},
+                      toolOptions());
+    ASSERT_TRUE(data.waitForConnections(1));
+    ASSERT_TRUE(waitUntil([&] { return filesIn(folder.path()).size() == 1; }, waitLimit));
+    ASSERT_TRUE(waitUntil([&] { return server.commands().back() == "RETR f"; }, waitLimit));
+
+    tool.send(Signal::interrupt);
+    ASSERT_TRUE(waitUntil([&] { return !tool.isRunning(); }, waitLimit));
+    EXPECT_EQ(tool.exitStatus(), exitStatusAfter(Signal::interrupt));
+    EXPECT_EQ(tool.output(), "");
+    EXPECT_THAT(filesIn(folder.path()), IsEmpty());
+}
+
+TEST(ToolMailInterrupt, EndsTheSession) {
+    ScriptedServer server;
+    TempDir folder;
+    const auto greeted = std::make_shared<Latch>();
+    server.play(Script().send("220 hello\r\n").expectAnyLine().stall(greeted));
+    ChildProcess tool({toolPath(), "mail", "send", "--server", serverAt(server.port()), "--tls", "none",
+                       "--from", "a@b.c", "--to", "d@e.f", "--subject", "x", "--text",
+                       folder.writeFile("text", "")},
+                      toolOptions());
+    ASSERT_TRUE(greeted->waitUntilReached());
+    tool.send(Signal::interrupt);
+    ASSERT_TRUE(waitUntil([&] { return !tool.isRunning(); }, waitLimit));
+    EXPECT_EQ(tool.exitStatus(), exitStatusAfter(Signal::interrupt));
+    EXPECT_EQ(tool.output(), "");
 }

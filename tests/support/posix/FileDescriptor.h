@@ -1,6 +1,8 @@
-/// @file support/FileDescriptor.h
-/// A file descriptor which closes itself, and the exception for a failed system call.
+/// @file support/posix/FileDescriptor.h
+/// A file descriptor which closes itself.
 #pragma once
+
+#include "support/SystemError.h"
 
 #include <string>
 
@@ -32,10 +34,6 @@ public:
 private:
     int descriptor_ = -1;
 };
-
-/// Throws a std::system_error for the current errno.
-/// @param action what was tried, as in "cannot " + action.
-[[noreturn]] void throwErrno(const std::string& action);
 
 /// Wraps the result of a call which answers a descriptor; throws std::system_error when it is negative.
 FileDescriptor checkedDescriptor(int descriptor, const std::string& action);

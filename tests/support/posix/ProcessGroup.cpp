@@ -1,4 +1,4 @@
-#include "support/ProcessGroup.h"
+#include "support/posix/ProcessGroup.h"
 
 #include <csignal>
 #include <cstdio>

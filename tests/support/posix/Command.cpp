@@ -1,7 +1,7 @@
 #include "support/Command.h"
 
-#include "support/FileDescriptor.h"
-#include "support/Wait.h"
+#include "support/posix/FileDescriptor.h"
+#include "support/posix/Spawn.h"
 
 #include <array>
 #include <cerrno>
@@ -11,6 +11,7 @@
 #include <poll.h>
 #include <stdexcept>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 namespace testsupport {

@@ -1,6 +1,6 @@
-#include "support/Spawn.h"
+#include "support/posix/Spawn.h"
 
-#include "support/FileDescriptor.h"
+#include "support/posix/FileDescriptor.h"
 
 #include <cerrno>
 #include <condition_variable>

@@ -1,7 +1,7 @@
 /// A terminal for the `vantra` command.
 #pragma once
 
-#include "support/FileDescriptor.h"
+#include "support/posix/FileDescriptor.h"
 
 #include <mutex>
 #include <string>

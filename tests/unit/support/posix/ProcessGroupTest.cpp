@@ -1,6 +1,7 @@
-#include "support/ProcessGroup.h"
+#include "support/posix/ProcessGroup.h"
 
 #include "support/ChildProcess.h"
+#include "support/posix/Spawn.h"
 #include "support/Wait.h"
 
 #include <chrono>

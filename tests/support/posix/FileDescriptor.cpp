@@ -1,7 +1,5 @@
-#include "support/FileDescriptor.h"
+#include "support/posix/FileDescriptor.h"
 
-#include <cerrno>
-#include <system_error>
 #include <unistd.h>
 #include <utility>
 
@@ -20,10 +18,6 @@ void FileDescriptor::reset() {
 }
 
 int FileDescriptor::release() { return std::exchange(descriptor_, -1); }
-
-void throwErrno(const std::string& action) {
-    throw std::system_error(errno, std::generic_category(), "cannot " + action);
-}
 
 FileDescriptor checkedDescriptor(int descriptor, const std::string& action) {
     if (descriptor < 0) throwErrno(action);

@@ -1,17 +1,14 @@
-/// @file support/Spawn.h
+/// @file support/posix/Spawn.h
 /// Starting another program; what ChildProcess and runCommand() share.
 #pragma once
 
-#include <map>
-#include <optional>
+#include "support/Environment.h"
+
 #include <string>
 #include <sys/types.h>
 #include <vector>
 
 namespace testsupport {
-
-/// Changes to the environment of a program, by variable: a value to set, or nothing to remove the variable.
-using Environment = std::map<std::string, std::optional<std::string>>;
 
 /// What to start and with which files. The descriptors stay the caller's.
 struct SpawnRequest {
