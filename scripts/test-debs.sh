@@ -39,7 +39,7 @@ architecture=$(dpkg --print-architecture)
 mapfile -t sources < <(apt-get indextargets --format '$(REPO_URI) $(RELEASE) $(COMPONENT)' 'Created-By: Packages' |
     awk -v suite="$codename" '$3 == "main" && ($2 == suite || index($2, suite "-") == 1) { print "deb", $0 }' | sort -u)
 mirror=$(printf '%s\n' "${sources[@]}" | awk -v suite="$codename" '$3 == suite { print $2; exit }')
-[ -n "$mirror" ] || die "apt has no source for $codename main"
+[ -n "$mirror" ] || die "apt knows no source of $codename main, or has not looked at it: apt-get update"
 http_proxy=${http_proxy-$(apt-config shell proxy Acquire::http::Proxy | sed -nE "s/^proxy='(.*)'\$/\\1/p")}
 
 cache=${VANTRA_DEBS_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/vantra-debs}/$codename-$architecture
