@@ -38,8 +38,8 @@ void CFTPVerb::addCreateDirsOption() {
 }
 
 void CFTPVerb::run() {
-    check();
     getResult().setText("url", getAddress().getURL().getText());
+    check();
     CTransferMonitor monitor;
     const P<CEscapingFTPClient> client = options_.makeClient(getAddress(), monitor);
     const P<CNetRequest> request = new CNetRequest();

@@ -60,6 +60,7 @@ TEST(ToolHostileSweep, RefusesArgumentsThatNobodyMeant) {
     std::vector<Arguments> commands;
     for (const std::string& text : hostileTexts()) {
         commands.push_back({text});
+        for (const std::string& group : allGroups()) commands.push_back({group, text});
         for (const Verb& verb : allVerbs())
             if (text != "--" || verb.name() != "proxy") commands.push_back(verb.words + Arguments{text});
     }
