@@ -1,6 +1,6 @@
 /// @file vantra/Export.h
-/// Marks what the library exports; everything else stays hidden. VANTRA_STATIC is for programs that link the library's
-/// objects themselves.
+/// Marks what the library exports; everything else stays hidden. VANTRA_STATIC is for programs that link the
+/// library's objects themselves.
 #pragma once
 
 #if defined(_WIN32)

@@ -1,4 +1,3 @@
-#include "Terminal.h"
 #include "Tool.h"
 
 #include "support/ChildProcess.h"
@@ -16,7 +15,6 @@ using namespace tooltest;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::MatchesRegex;
 using testing::StartsWith;
 using testing::UnorderedElementsAre;
 
@@ -175,35 +173,6 @@ TEST(ToolGetAll, RunsNoMoreAtATimeThanAsked) {
     EXPECT_EQ(tool.stop(), 0);
     EXPECT_EQ(tool.output(), "");
     EXPECT_THAT(filesIn(folder.path()), ElementsAre("a", "b", "c"));
-}
-
-TEST(ToolGetAll, ShowsALineForEachRunningTransfer) {
-    ScriptedServer server;
-    const auto latch = std::make_shared<Latch>();
-    for (int i = 0; i < 2; ++i)
-        server.play(Script().expectRequest().send(heldHalf()).waitFor(latch).send("done").close());
-    server.play(Script().expectRequest().send("HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\n\r\n").close());
-    TempDir folder;
-    const Terminal terminal;
-    ChildOptions options;
-    options.environment = toolEnvironment();
-    options.environment["TERM"] = "xterm";
-    ChildProcess tool({"bash", "-c", "exec \"$TOOL\" get-all --parallel 2 -d \"${@:2}\" 2>\"$1\"", "bash",
-                       terminal.path(), folder.path(), server.url("/one"), server.url("/two"),
-                       server.url("/three")},
-                      options);
-    const std::string screen = " 50%        4 B /        8 B +[0-9]+ B/s  one\n"
-                               " 50%        4 B /        8 B +[0-9]+ B/s  two\n"
-                               "0 of 3 done\n";
-    EXPECT_TRUE(
-        waitUntil([&] { return testing::Matches(MatchesRegex(screen))(terminal.screen()); }, waitLimit))
-        << terminal.screen();
-    latch->release();
-    ASSERT_TRUE(waitUntil([&] { return !tool.isRunning(); }, waitLimit));
-    EXPECT_EQ(tool.stop(), 1);
-    const std::string rest =
-        "vantra: " + server.url("/three") + ": HTTP/1.1 404 Not Found\nvantra: 1 of 3 transfers failed.\n";
-    EXPECT_TRUE(waitUntil([&] { return terminal.screen() == rest; }, waitLimit)) << terminal.screen();
 }
 
 TEST(ToolGetAll, LogsEveryTransfer) {

@@ -26,8 +26,7 @@ CURLMcode __wrap_curl_multi_fdset(CURLM* multi, fd_set* read, fd_set* write, fd_
                                   int* greatest);
 CURLMcode __wrap_curl_multi_timeout(CURLM* multi, long* milliseconds);
 CURLMsg* __wrap_curl_multi_info_read(CURLM* multi, int* left);
-int WRAPPED_SELECT(int count, fd_set* read, fd_set* write,
-                                                         fd_set* exception, kel::int64 milliseconds);
+int WRAPPED_SELECT(int count, fd_set* read, fd_set* write, fd_set* exception, kel::int64 milliseconds);
 bool __wrap__ZNK3kel7CSignal4waitEi(const kel::CSignal* signal, int milliseconds);
 }
 
@@ -243,8 +242,7 @@ CURLMcode __wrap_curl_multi_timeout(CURLM*, long* milliseconds) {
 
 CURLMsg* __wrap_curl_multi_info_read(CURLM*, int* left) { return MultiDouble::getActive()->onMessage(left); }
 
-int WRAPPED_SELECT(int count, fd_set* read, fd_set*, fd_set*,
-                                                         kel::int64 milliseconds) {
+int WRAPPED_SELECT(int count, fd_set* read, fd_set*, fd_set*, kel::int64 milliseconds) {
     // Only what is in the set counts as watched.
     const bool isWatched = FD_ISSET(static_cast<curl_socket_t>(count - 1), read) != 0;
     MultiDouble::getActive()->note("select " + std::to_string(isWatched ? count : 0) + " " +
