@@ -22,44 +22,10 @@
 #     docs      documents and reference fit the tree; the steps of docs/getting-started.md work
 # shellcheck source=scripts/lib.sh
 . "$(dirname "$0")/lib.sh"
+# shellcheck source=scripts/steps.sh
+. scripts/steps.sh
 
-all_steps=(deps format words shell debug headers exports api install tidy asan tsan release debs docs)
-
-# build_preset PRESET [TARGET...]: all targets if none is named.
-build_preset() {
-    local preset=$1 targets=()
-    shift
-    [ $# -eq 0 ] || targets=(--target "$@")
-    cmake --preset "$preset"
-    cmake --build --preset "$preset" "${targets[@]}"
-}
-
-# run_tests PRESET [LAUNCHER...] -- [CTEST-ARGUMENT...]: runs tests of a build. Leaves what they amount to for the
-# summary. A test that skips itself counts as a failure: it would hide that a server is missing.
-run_tests() {
-    local preset=$1 launcher=()
-    shift
-    while [ "$1" != -- ]; do
-        launcher+=("$1")
-        shift
-    done
-    shift
-    local reports=$PWD/build/$preset/test-reports cases programs skipped
-    rm -rf "$reports"
-    # Loopback servers are not reached through a proxy that the environment names.
-    env -u http_proxy -u https_proxy -u ftp_proxy -u all_proxy -u no_proxy \
-        -u HTTPS_PROXY -u FTP_PROXY -u ALL_PROXY -u NO_PROXY \
-        GTEST_OUTPUT="xml:$reports/" "${launcher[@]}" \
-        ctest --preset "$preset" --parallel "$CMAKE_BUILD_PARALLEL_LEVEL" --no-tests=error "$@"
-    programs=$(find "$reports" -name '*.xml' | wc -l)
-    cases=$(find "$reports" -name '*.xml' -exec sed -nE 's/^<testsuites tests="([0-9]+)".*/\1/p' {} + |
-        awk '{ sum += $1 } END { print sum + 0 }')
-    skipped=$({ grep -rhE 'result="skipped"' "$reports" || true; } | sed -nE 's/.*<testcase name="([^"]*)".*classname="([^"]*)".*/\2.\1/p')
-    [ -z "$skipped" ] || die "tests were skipped: $skipped"
-    [ "$cases" -gt 0 ] || die "no test cases were run"
-    say "$cases test cases in $programs programs passed."
-    say "$cases tests" >"$notes/$preset"
-}
+all_steps="deps format words shell debug headers exports api install tidy asan tsan release debs docs"
 
 step_deps() { scripts/install-deps.sh; }
 step_format() { scripts/check-format.sh; }
@@ -120,20 +86,9 @@ step_debs() {
     scripts/test-debs.sh
 }
 
-# minutes SECONDS
-minutes() {
-    printf '%d:%02d' $(($1 / 60)) $(($1 % 60))
-}
-
-print_summary() {
-    printf '\n%-10s %8s\n' step min:s
-    local row
-    for row in "${summary[@]}"; do printf '%s\n' "$row"; done
-}
-
 case ${1-} in
 --help | -h)
-    sed -n '2,/^# shellcheck/{/^# shellcheck/d;s/^# \{0,1\}//;p}' "$0"
+    print_usage
     exit 0
     ;;
 --quick)
@@ -141,35 +96,4 @@ case ${1-} in
     set -- deps format debug
     ;;
 esac
-for step in "$@"; do
-    [[ " ${all_steps[*]} " = *" $step "* ]] || die "unknown step '$step'; the steps are: ${all_steps[*]}"
-done
-[ $# -gt 0 ] || set -- "${all_steps[@]}"
-
-notes=$(mktemp -d)
-trap 'rm -rf "$notes"' EXIT
-summary=()
-for step in "$@"; do
-    printf '\n=== %s\n' "$step"
-    begin=$SECONDS
-    # Not the condition of an if, inside of which a failing command would not end the step.
-    set +e
-    (
-        set -e
-        "step_$step"
-    )
-    status=$?
-    set -e
-    took=$(minutes $((SECONDS - begin)))
-    note=
-    [ ! -f "$notes/$step" ] || note=$(cat "$notes/$step")
-    if [ $status -ne 0 ]; then
-        summary+=("$(printf '%-10s %8s  FAILED' "$step" "$took")")
-        print_summary
-        die "step '$step' failed (status $status); repeat it alone with: scripts/test.sh $step"
-    fi
-    summary+=("$(printf '%-10s %8s  %s' "$step" "$took" "${note:-ok}")")
-done
-print_summary
-printf '%-10s %8s\n\n' all "$(minutes $SECONDS)"
-say "Everything passed."
+run_steps "$all_steps" "$@"
