@@ -33,7 +33,7 @@ std::size_t CFileInStream::read(void* buffer, std::size_t maxLength) {
     if (maxLength == 0) return 0;
     for (;;) {
         // Forgets an end met before, so that a file that has grown since is read on.
-        std::clearerr(file_);
+        platform::forgetEnd(file_);
         const std::size_t length = std::fread(buffer, 1, maxLength, file_);
         if (length > 0 || !std::ferror(file_)) {
             position_ += static_cast<int64>(length);
@@ -86,9 +86,14 @@ void CFileOutStream::flush() {
 
 void CFileOutStream::close() {
     if (!file_) return;
-    const bool closed = std::fclose(std::exchange(file_, nullptr)) == 0;
+    std::FILE* const file = std::exchange(file_, nullptr);
+    // Not every system's fclose() tells that the last bytes were not taken.
+    const bool flushed = std::fflush(file) == 0;
+    const int flushError = errno;
+    const bool closed = std::fclose(file) == 0;
     const int closeError = errno;
     throwIfFailedBefore();
+    if (!flushed) fail(flushError);
     if (!closed) fail(closeError);
 }
 

@@ -11,6 +11,13 @@ namespace {
 
 constexpr std::size_t driveLength = 2;
 
+/// What separates the components of a normalised path.
+template <class Traits>
+wchar_t getSeparator() noexcept {
+    const wchar_t native = platform::pathSeparator();
+    return Traits::isSeparator(native) ? native : L'/';
+}
+
 template <class Traits>
 bool startsWithDrive(std::wstring_view text) noexcept {
     if constexpr (Traits::hasDrives) {
@@ -41,7 +48,7 @@ std::wstring_view takeComponent(std::wstring_view& text) noexcept {
 /// server, a drive, a root, or nothing.
 template <class Traits>
 void moveRoot(std::wstring_view& text, String& result) {
-    const wchar_t separator = platform::pathSeparator();
+    const wchar_t separator = getSeparator<Traits>();
     const std::size_t separators = countLeadingSeparators<Traits>(text);
     if (Traits::hasDrives && separators == 2 && text.size() > separators) {
         result += separator;
@@ -60,7 +67,7 @@ void moveRoot(std::wstring_view& text, String& result) {
 
 template <class Traits>
 String normalise(std::wstring_view text) {
-    const wchar_t separator = platform::pathSeparator();
+    const wchar_t separator = getSeparator<Traits>();
     String result;
     result.reserve(text.size());
     moveRoot<Traits>(text, result);
@@ -89,7 +96,7 @@ template <class Traits>
 std::size_t getRootLength(std::wstring_view text) noexcept {
     const std::size_t separators = countLeadingSeparators<Traits>(text);
     if (separators == 2) {
-        const std::size_t end = text.find(platform::pathSeparator(), separators);
+        const std::size_t end = text.find(getSeparator<Traits>(), separators);
         return std::min(end, text.size());
     }
     if (!startsWithDrive<Traits>(text)) return separators;
@@ -101,7 +108,23 @@ std::size_t getRootLength(std::wstring_view text) noexcept {
 wchar_t nativePathSeparator() noexcept { return platform::pathSeparator(); }
 
 template <class Traits>
+TPathImpl<Traits>::TPathImpl() = default;
+
+template <class Traits>
 TPathImpl<Traits>::TPathImpl(const String& text) : text_(normalise<Traits>(text.view())) {}
+
+template <class Traits>
+TPathImpl<Traits>::TPathImpl(const char* utf8) : TPathImpl(String(utf8)) {}
+
+template <class Traits>
+const String& TPathImpl<Traits>::getText() const noexcept {
+    return text_;
+}
+
+template <class Traits>
+bool TPathImpl<Traits>::isEmpty() const noexcept {
+    return text_.isEmpty();
+}
 
 template <class Traits>
 bool TPathImpl<Traits>::isAbsolute() const noexcept {
@@ -117,7 +140,7 @@ TPathImpl<Traits> TPathImpl<Traits>::operator/(const TPathImpl& other) const {
     // Behind a bare drive a separator would turn the drive's current folder into its root.
     const bool isDriveOnly = startsWithDrive<Traits>(folder) && folder.size() == driveLength;
     TPathImpl result(*this);
-    if (!isDriveOnly && folder.back() != platform::pathSeparator()) result.text_ += platform::pathSeparator();
+    if (!isDriveOnly && folder.back() != getSeparator<Traits>()) result.text_ += getSeparator<Traits>();
     result.text_ += other.text_;
     return result;
 }
@@ -125,7 +148,7 @@ TPathImpl<Traits> TPathImpl<Traits>::operator/(const TPathImpl& other) const {
 template <class Traits>
 String TPathImpl<Traits>::getFileName() const {
     const std::size_t rootLength = getRootLength<Traits>(text_.view());
-    const std::size_t separator = text_.findLast(platform::pathSeparator());
+    const std::size_t separator = text_.findLast(getSeparator<Traits>());
     return text_.substr(separator == String::npos ? rootLength : std::max(separator + 1, rootLength));
 }
 
@@ -133,7 +156,7 @@ template <class Traits>
 TPathImpl<Traits> TPathImpl<Traits>::getParent() const {
     const std::size_t rootLength = getRootLength<Traits>(text_.view());
     if (text_.length() == rootLength) return {};
-    const std::size_t separator = text_.findLast(platform::pathSeparator());
+    const std::size_t separator = text_.findLast(getSeparator<Traits>());
     TPathImpl parent;
     parent.text_ = text_.substr(0, separator == String::npos ? rootLength : std::max(separator, rootLength));
     return parent;

@@ -27,6 +27,8 @@ enum class FileAccess {
 [[nodiscard]] std::FILE* openFile(const String& path, FileAccess access);
 /// The present size of an open file, or -1 if it has none (a pipe, a terminal).
 [[nodiscard]] int64 getFileSize(std::FILE* file) noexcept;
+/// Takes back that the end of the file, or an error, was met.
+void forgetEnd(std::FILE* file) noexcept;
 /// Moves to `position` bytes from the start. False on failure, with the reason in errno.
 [[nodiscard]] bool seekFile(std::FILE* file, int64 position) noexcept;
 
@@ -50,9 +52,12 @@ constexpr int64 maxSocketWaitMs = 100'000'000'000;
 [[nodiscard]] int waitForSockets(int socketCount, fd_set* read, fd_set* write, fd_set* exception,
                                  int64 timeoutMs) noexcept;
 
-/// std::atexit for a function of this library: called among the program's own exit handlers and the ends of its
-/// static objects, in the reverse order of their coming to be, while other threads still run.
+/// std::atexit for a function of this library: called among the program's own exit handlers and the ends of
+/// its static objects, in the reverse order of their coming to be, while other threads still run.
 /// @return false if the process has no room for it or has come to its end.
 [[nodiscard]] bool callAtExit(void (*function)()) noexcept;
+/// Where exit handlers that are registered during the end of the process may be forgotten: calls a function
+/// when this library is unloaded, also in a process that ends without its exit handlers.
+void callAtUnload(void (*function)()) noexcept;
 
 } // namespace kel::platform

@@ -4,6 +4,7 @@
 #include "kel/Log.h"
 #include "Platform.h"
 
+#include <atomic>
 #include <mutex>
 #include <vector>
 
@@ -26,12 +27,20 @@ public:
     }
 
     /// The latest function, which leaves the stack; null if there is none.
-    [[nodiscard]] CSafeGlobalDisposer::DisposeFunc pop() {
+    [[nodiscard]] CSafeGlobalDisposer::DisposeFunc pop() { return popAbove(0); }
+
+    /// The same, but null if no more than so many are left.
+    [[nodiscard]] CSafeGlobalDisposer::DisposeFunc popAbove(std::size_t count) {
         const std::lock_guard lock(mutex_);
-        if (functions_.empty()) return nullptr;
+        if (functions_.size() <= count) return nullptr;
         const auto function = functions_.back();
         functions_.pop_back();
         return function;
+    }
+
+    [[nodiscard]] std::size_t getCount() {
+        const std::lock_guard lock(mutex_);
+        return functions_.size();
     }
 
 private:
@@ -52,10 +61,29 @@ void call(CSafeGlobalDisposer::DisposeFunc function) noexcept {
     }
 }
 
-/// The exit handler, registered once for each addition. The system calls one that is registered by a function
-/// called here right after this one.
+/// Whether callLatest() runs on this thread.
+thread_local bool isCalling = false;
+
+/// Whether the exit handlers of the process are being called.
+std::atomic<bool> isProcessEnding{false};
+
+/// The exit handler, registered once for each addition. What a function adds meanwhile is called right after
+/// it; not every system would call a handler that is registered by another one.
 void callLatest() {
-    if (const auto function = CDisposeStack::get().pop()) call(function);
+    isProcessEnding = true;
+    CDisposeStack& stack = CDisposeStack::get();
+    const auto function = stack.pop();
+    if (!function) return;
+    const std::size_t countBefore = stack.getCount();
+    isCalling = true;
+    call(function);
+    while (const auto added = stack.popAbove(countBefore)) call(added);
+    isCalling = false;
+}
+
+/// For what was added too late for an exit handler.
+void callForgotten() {
+    if (isProcessEnding) callLatest();
 }
 
 } // namespace
@@ -69,8 +97,10 @@ CSafeGlobalDisposer& CSafeGlobalDisposer::get() {
 
 void CSafeGlobalDisposer::addDisposeFunc(DisposeFunc function) {
     CDisposeStack::get().push(function);
+    if (isCalling) return;
     // Refused only when the exit handlers are through: then the end of the process is now.
-    if (!platform::callAtExit(&callLatest)) callLatest();
+    if (!platform::callAtExit(&callLatest)) return callLatest();
+    platform::callAtUnload(&callForgotten);
 }
 
 } // namespace kel

@@ -58,6 +58,9 @@ constexpr wchar_t toUpperASCII(wchar_t c) noexcept {
 
 } // namespace
 
+// A DLL exports a constant of a class only where it is defined.
+constexpr std::size_t String::npos;
+
 String::String(const char* utf8) : String(utf8, utf8 ? std::char_traits<char>::length(utf8) : 0) {}
 
 String::String(const char* utf8, std::size_t length) {

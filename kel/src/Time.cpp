@@ -104,6 +104,9 @@ String padded(int64 value, std::size_t width) {
 
 } // namespace
 
+// A DLL exports a constant of a class only where it is defined.
+constexpr int CTimeFields::weekDayUnknown;
+
 CTimeSpan CTimeSpan::fromMicroseconds(int64 microseconds) {
     return CTimeSpan(std::min(microseconds, longestFiniteSpan));
 }

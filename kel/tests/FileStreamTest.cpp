@@ -178,6 +178,7 @@ TEST(FileInStream, ReadsAPipeWhichHasNoSizeAndNoPositions) {
 TEST(FileInStream, ReportsAReadError) {
     const auto file = makeUnreadableFile();
     kel::CFileInStream stream(file->getPath());
+    file->beginToRefuse();
     EXPECT_EQ(getErrorMessage([&] { read(stream, 10); }),
               "Error reading file " + quote(file->getPath()) + ": " + file->getReason() + ".");
     EXPECT_EQ(stream.getPosition(), 0);
@@ -274,6 +275,8 @@ protected:
         return "Error writing file " + quote(getPath()) + ": " + file_->getReason() + ".";
     }
 
+    void beginToRefuse() const { file_->beginToRefuse(); }
+
 private:
     std::unique_ptr<CRefusingFile> file_ = makeUnwritableFile();
 };
@@ -282,6 +285,7 @@ TEST_F(FileOutStreamFault, IsReportedFromThenOn) {
     const CLogCapture log;
     {
         kel::CFileOutStream stream(getPath(), Mode::Replace);
+        beginToRefuse();
         const std::string large(1'000'000, 'x');
         EXPECT_EQ(getErrorMessage([&] { stream.write(large.data(), large.size()); }), getMessage());
         EXPECT_EQ(getErrorMessage([&] { stream.write("x", 1); }), getMessage());
@@ -296,6 +300,7 @@ TEST_F(FileOutStreamFault, IsReportedOnFlush) {
     const CLogCapture log;
     {
         kel::CFileOutStream stream(getPath(), Mode::Replace);
+        beginToRefuse();
         stream.write("x", 1);
         EXPECT_EQ(getErrorMessage([&] { stream.flush(); }), getMessage());
     }
@@ -304,13 +309,18 @@ TEST_F(FileOutStreamFault, IsReportedOnFlush) {
 
 TEST_F(FileOutStreamFault, IsReportedOnClose) {
     kel::CFileOutStream stream(getPath(), Mode::Replace);
+    beginToRefuse();
     stream.write("x", 1);
     EXPECT_EQ(getErrorMessage([&] { stream.close(); }), getMessage());
 }
 
 TEST_F(FileOutStreamFault, IsLoggedIfOnlyTheDestructorMeetsIt) {
     const CLogCapture log;
-    { kel::CFileOutStream(getPath(), Mode::Replace).write("x", 1); }
+    {
+        kel::CFileOutStream stream(getPath(), Mode::Replace);
+        beginToRefuse();
+        stream.write("x", 1);
+    }
     EXPECT_THAT(log.getLines(),
                 ElementsAre("error: Exception in destructor of CFileOutStream (ignored).: " + getMessage()));
 }

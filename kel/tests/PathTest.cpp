@@ -17,7 +17,8 @@ using PosixPath = kel::TPathImpl<kel::CPosixPathTraits>;
 template <class Path>
 std::string getText(const Path& path) {
     std::string text = path.getText().toUTF8();
-    if (kel::nativePathSeparator() != L'/') std::replace(text.begin(), text.end(), '\\', '/');
+    const bool isReplaced = std::is_same_v<Path, WindowsPath> && kel::nativePathSeparator() != L'/';
+    if (isReplaced) std::replace(text.begin(), text.end(), '\\', '/');
     return text;
 }
 

@@ -1,6 +1,6 @@
 /// @file SystemFiles.h
-/// The door to files of the system that a test needs: such as cannot be read or written, pipes. posix/ and windows/
-/// hold one implementation each.
+/// The door to files of the system that a test needs: such as cannot be read or written, pipes. posix/ and
+/// windows/ hold one implementation each.
 #pragma once
 
 #include "TempFolder.h"
@@ -15,6 +15,8 @@ class CRefusingFile {
 public:
     virtual ~CRefusingFile() = default;
     [[nodiscard]] virtual kel::CPath getPath() const = 0;
+    /// To be called when it has been opened.
+    virtual void beginToRefuse() {}
     /// What the system says about it.
     [[nodiscard]] virtual std::string getReason() const = 0;
 };

@@ -21,6 +21,6 @@ private:
 /// The name that the system has for the calling thread, in UTF-8.
 [[nodiscard]] std::string getSystemThreadName();
 
-/// How many bytes of UTF-8 the system keeps of a thread's name; at least as many as any test gives it where it has no
-/// limit.
+/// How many bytes of UTF-8 the system keeps of a thread's name; at least as many as any test gives it where
+/// it has no limit.
 [[nodiscard]] std::size_t getThreadNameLimit();

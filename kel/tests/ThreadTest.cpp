@@ -18,6 +18,8 @@
 #include <utility>
 #include <vector>
 
+#include <pthread.h>
+
 namespace {
 
 using testing::ElementsAre;
@@ -480,14 +482,23 @@ TEST(Thread, MayLetGoOfItsLastReferenceInOnRunFinished) {
     EXPECT_TRUE(gone.wait(longTimeMs));
 }
 
-thread_local ThreadP keptByTheThread;
+/// Keeps the object until after the thread's function. (A thread_local object does not serve: MinGW frees its
+/// memory before its destructor runs.)
+void keepUntilTheEndOfTheThread(CFunctionThread* thread) {
+    static const pthread_key_t key = [] {
+        pthread_key_t newKey;
+        EXPECT_EQ(::pthread_key_create(&newKey, [](void* kept) { delete static_cast<ThreadP*>(kept); }), 0);
+        return newKey;
+    }();
+    EXPECT_EQ(::pthread_setspecific(key, new ThreadP(thread)), 0);
+}
 
 TEST(Thread, MayLetGoOfItsLastReferenceAfterItsRun) {
     kel::CSignal kept;
     kel::CSignal owned;
     kel::CSignal gone;
     ThreadP thread = new CFunctionThread([&](CFunctionThread& self) {
-        keptByTheThread = &self;
+        keepUntilTheEndOfTheThread(&self);
         kept.set();
         owned.wait(-1);
     });
@@ -547,7 +558,9 @@ TEST(Thread, CutsANameTooLongForTheSystemBetweenCharacters) {
     expectAtMost15Bytes("123456789012\xF0\x9F\x8E\xB5", "123456789012");
 }
 
-TEST(Thread, WithoutANameKeepsTheOneOfTheSystem) { EXPECT_EQ(runAndGetSystemName(""), getSystemThreadName()); }
+TEST(Thread, WithoutANameKeepsTheOneOfTheSystem) {
+    EXPECT_EQ(runAndGetSystemName(""), getSystemThreadName());
+}
 
 TEST(Thread, KeepsTheWholeName) {
     kel::CThread thread;

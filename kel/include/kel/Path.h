@@ -29,8 +29,8 @@ struct KEL_API CPosixPathTraits {
 };
 
 /// A path that was normalised when it was made: each run of separators is the one separator of the platform
-/// the program runs on, "." components are gone, and there is no separator at the end except for a root. ".."
-/// is kept, since what it means depends on links.
+/// the program runs on ("/" where that is no separator of the traits), "." components are gone, and there is
+/// no separator at the end except for a root. ".." is kept, since what it means depends on links.
 ///
 /// Where drives exist, two separators and a name at the very start stay two: they name a server
 /// ("//server/share"). "C:x" is seen from the current folder of the drive, and a name that looks like a
@@ -41,17 +41,17 @@ struct KEL_API CPosixPathTraits {
 template <class Traits>
 class TPathImpl {
 public:
-    TPathImpl() = default;
+    TPathImpl();
     /// @{
     /// Normalises the text. @throws CError for bytes that are not valid UTF-8
     TPathImpl(const String& text);
-    TPathImpl(const char* utf8) : TPathImpl(String(utf8)) {}
+    TPathImpl(const char* utf8);
     /// @}
 
     /// In the form that the platform's file system and libcurl understand; empty for the empty path.
-    [[nodiscard]] const String& getText() const noexcept { return text_; }
+    [[nodiscard]] const String& getText() const noexcept;
     /// Whether it is the empty path, which names nothing.
-    [[nodiscard]] bool isEmpty() const noexcept { return text_.isEmpty(); }
+    [[nodiscard]] bool isEmpty() const noexcept;
     /// Whether it starts at a root ("/x", and where drives exist "//server/x" and "C:/x", but not "C:x").
     [[nodiscard]] bool isAbsolute() const noexcept;
     /// `other` seen from this folder; `other` itself when it is absolute or this path is empty. Nothing is
@@ -72,6 +72,7 @@ private:
     String text_;
 };
 
+// Instantiated in the library. Of a template's functions a DLL exports only those that are not inline.
 extern template class KEL_API TPathImpl<CWindowsPathTraits>;
 extern template class KEL_API TPathImpl<CPosixPathTraits>;
 

@@ -77,6 +77,8 @@ int64 getFileSize(std::FILE* file) noexcept {
     return info.st_size;
 }
 
+void forgetEnd(std::FILE* file) noexcept { std::clearerr(file); }
+
 bool seekFile(std::FILE* file, int64 position) noexcept { return ::fseeko(file, position, SEEK_SET) == 0; }
 
 String getErrorText(int error) {
@@ -129,5 +131,7 @@ int waitForSockets(int socketCount, fd_set* read, fd_set* write, fd_set* excepti
 }
 
 bool callAtExit(void (*function)()) noexcept { return std::atexit(function) == 0; }
+
+void callAtUnload(void (*)()) noexcept {}
 
 } // namespace kel::platform

@@ -22,12 +22,14 @@ T* at(HMODULE module, DWORD offset) {
     return reinterpret_cast<T*>(reinterpret_cast<char*>(module) + offset);
 }
 
-/// Where a loaded module keeps the address of a function that it imports by this name; null if it imports none.
+/// Where a loaded module keeps the address of a function that it imports by this name; null if it imports
+/// none.
 ThreadStart* findImport(HMODULE module, const char* name) {
     const auto* const dos = at<IMAGE_DOS_HEADER>(module, 0);
     const auto* const headers = at<IMAGE_NT_HEADERS>(module, static_cast<DWORD>(dos->e_lfanew));
     const auto& directory = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
-    for (const auto* dll = at<IMAGE_IMPORT_DESCRIPTOR>(module, directory.VirtualAddress); dll->Name != 0; ++dll) {
+    for (const auto* dll = at<IMAGE_IMPORT_DESCRIPTOR>(module, directory.VirtualAddress); dll->Name != 0;
+         ++dll) {
         const auto* names = at<IMAGE_THUNK_DATA>(module, dll->OriginalFirstThunk);
         auto* addresses = at<IMAGE_THUNK_DATA>(module, dll->FirstThunk);
         for (; names->u1.AddressOfData != 0; ++names, ++addresses) {
@@ -73,8 +75,8 @@ CNoMoreThreads::~CNoMoreThreads() {
 
 std::string getSystemThreadName() {
     using Function = HRESULT(WINAPI*)(HANDLE, PWSTR*);
-    const auto getThreadDescription = reinterpret_cast<Function>(
-        reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"kernel32.dll"), "GetThreadDescription")));
+    const auto getThreadDescription = reinterpret_cast<Function>(reinterpret_cast<void*>(
+        ::GetProcAddress(::GetModuleHandleW(L"kernel32.dll"), "GetThreadDescription")));
     if (!getThreadDescription) {
         ADD_FAILURE() << "the system knows no names of threads";
         return {};
