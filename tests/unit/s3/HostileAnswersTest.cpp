@@ -1,3 +1,4 @@
+#include "PeakMemory.h"
 #include "Thrown.h"
 
 #include "vantra/S3Client.h"
@@ -14,7 +15,6 @@
 #include <atomic>
 #include <string>
 #include <string_view>
-#include <sys/resource.h>
 #include <thread>
 #include <vector>
 
@@ -47,13 +47,6 @@ std::string nested(std::string_view tag, int depth) {
     for (int i = 0; i < depth; ++i) xml += "<" + std::string(tag) + ">";
     for (int i = 0; i < depth; ++i) xml += "</" + std::string(tag) + ">";
     return xml;
-}
-
-/// The most memory that the process has had so far, in KiB.
-long getPeakKiB() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_maxrss;
 }
 
 TEST(S3HostileAnswer, WithAnEntityBombIsRefusedWithoutTakingMemory) {
