@@ -60,6 +60,8 @@ target_compile_definitions(vantra_wx INTERFACE "$<BUILD_INTERFACE:${wxWidgets_DE
 target_link_libraries(vantra_wx INTERFACE "$<BUILD_INTERFACE:${wxWidgets_LIBRARIES}>")
 
 if(WIN32)
+    # OpenSSL is static here, and the package does not tell what that needs of the system.
+    set_property(TARGET OpenSSL::Crypto APPEND PROPERTY INTERFACE_LINK_LIBRARIES ws2_32 crypt32)
     vantra_gather_shipped_dlls()
 endif()
 

@@ -87,7 +87,7 @@ set_target_properties(vantra PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${P
 if(WIN32)
     # libcurl is inside of the DLL. Its callers need the headers alone.
     target_link_libraries(vantra PRIVATE CURL::libcurl)
-    target_include_directories(vantra SYSTEM PUBLIC $<BUILD_INTERFACE:${CURL_INCLUDE_DIRS}>)
+    target_include_directories(vantra SYSTEM PUBLIC $<BUILD_INTERFACE:$<TARGET_PROPERTY:CURL::libcurl,INTERFACE_INCLUDE_DIRECTORIES>>)
     vantra_add_version_resource(vantra "${PROJECT_DESCRIPTION}")
 else()
     target_link_libraries(vantra PUBLIC CURL::libcurl)

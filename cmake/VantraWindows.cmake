@@ -34,6 +34,16 @@ function(vantra_gather_shipped_dlls)
     set(VANTRA_SHIPPED_DLLS ${dlls} PARENT_SCOPE)
 endfunction()
 
+# The root certificates that vantra ships: those of the system that builds it. Beside the DLL of the build, too.
+set(VANTRA_ROOT_CERTIFICATES /etc/ssl/certs/ca-certificates.crt CACHE FILEPATH
+    "Root certificates (PEM) to ship as vantra/ca-bundle.crt")
+if(NOT EXISTS "${VANTRA_ROOT_CERTIFICATES}")
+    message(FATAL_ERROR "There are no root certificates to ship in '${VANTRA_ROOT_CERTIFICATES}': install "
+        "ca-certificates, or name a file by -DVANTRA_ROOT_CERTIFICATES.")
+endif()
+set(VANTRA_ROOT_CERT_BUNDLE ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/resources/vantra/ca-bundle.crt)
+configure_file(${VANTRA_ROOT_CERTIFICATES} ${VANTRA_ROOT_CERT_BUNDLE} COPYONLY)
+
 # vantra_add_version_resource(TARGET DESCRIPTION): what Windows shows of a DLL or a program.
 function(vantra_add_version_resource target description)
     set(VANTRA_FILE_NAME $<TARGET_FILE_NAME:${target}>)

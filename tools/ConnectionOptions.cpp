@@ -6,13 +6,18 @@
 #include <CLI/CLI.hpp>
 
 #include <kel/FileStream.h>
+#include <kel/ResourceManager.h>
+#include <vantra/GlobalInit.h>
 #include <vantra/Version.h>
 
 namespace vantra::tool {
 
 using kel::CFileInStream;
+using kel::CPath;
+using kel::CResourceManager;
 using kel::P;
 using kel::String;
+using kel::TArray;
 
 namespace {
 
@@ -23,6 +28,22 @@ void applyTransferPolicy(CNetRequest& request) {
     request.setOptionInt(CURLOPT_MAXREDIRS, maxRedirects);
     request.setOptionString(CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
     request.setOptionString(CURLOPT_USERAGENT, "vantra/" VANTRA_VERSION);
+}
+
+/// The bundle shipped beside the library. Where there is none, the place it is missing from: libcurl names
+/// that in its error, and only when a transfer needs root certificates.
+CPath getShippedRoots() {
+    constexpr const char* name = "vantra/ca-bundle.crt";
+    const P<CResourceManager> resources = CResourceManager::get();
+    if (!resources->findResource(name).isEmpty()) return getRootCertBundlePath();
+    const TArray<CPath> folders = resources->getFolders();
+    return folders.empty() ? CPath(name) : folders.back() / name;
+}
+
+/// Distributions build libcurl with the place of the system's roots; elsewhere it knows of none.
+bool hasLibcurlRoots() {
+    const curl_version_info_data* const libcurl = curl_version_info(CURLVERSION_NOW);
+    return libcurl->cainfo || libcurl->capath;
 }
 
 } // namespace
@@ -38,7 +59,8 @@ void CConnectionOptions::addTLSOptions(CLI::App& verb) {
     verb.add_option_function<std::string>(
             "--cacert",
             [this](const std::string& argument) { caFile_ = parseFileArgument("--cacert", argument); },
-            "Trust the root certificates in this file (PEM) and no\nothers. Default: those of libcurl")
+            "Trust the root certificates in this file (PEM) and no\nothers. Default: those of libcurl; on "
+            "Windows those\nthat come with vantra")
         ->type_name("FILE");
 }
 
@@ -71,7 +93,10 @@ void CConnectionOptions::applyTLS(CNetRequest& request) const {
         request.setSSLVerifyPeer(false);
         request.setOptionInt(CURLOPT_SSL_VERIFYHOST, 0);
     }
-    if (!caFile_) return;
+    if (!caFile_) {
+        if (!insecure_ && !hasLibcurlRoots()) request.setRootCertBundlePath(getShippedRoots());
+        return;
+    }
     checkReadable(*caFile_);
     request.setRootCertBundlePath(*caFile_);
     // libcurl may have been built with a folder of roots, which would go on being trusted beside the file.

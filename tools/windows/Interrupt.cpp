@@ -15,7 +15,14 @@ constexpr DWORD nothing = MAXDWORD;
 
 std::atomic<DWORD> notedEvent{nothing};
 
-BOOL WINAPI noteEvent(DWORD event) noexcept { return notedEvent.exchange(event) == nothing ? TRUE : FALSE; }
+BOOL WINAPI noteEvent(DWORD event) noexcept {
+    if (notedEvent.exchange(event) != nothing) return FALSE;
+    // When the console is closed or the session ends, the system ends the process as soon as this returns, in
+    // any case after some seconds. The main thread needs them to put things in order, and ends the process
+    // itself.
+    if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) ::Sleep(INFINITE);
+    return TRUE;
+}
 
 } // namespace
 

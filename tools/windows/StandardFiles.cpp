@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
+#include <cstdlib>
 #include <memory>
 
 #include <fcntl.h>
@@ -40,6 +41,22 @@ int writeAll(int descriptor, std::string_view bytes) noexcept {
     return 0;
 }
 
+/// Waits until a pipe has bytes or has come to its end. False when the user asked to stop meanwhile: a read
+/// that waits would not notice.
+bool waitForPipe(HANDLE pipe) noexcept {
+    constexpr DWORD patience = 20; // milliseconds
+    DWORD available = 0;
+    while (::PeekNamedPipe(pipe, nullptr, 0, nullptr, &available, nullptr) != 0 && available == 0) {
+        if (isInterrupted()) return false;
+        ::Sleep(patience);
+    }
+    return true;
+}
+
+UINT codePageBefore = 0;
+
+void restoreCodePage() noexcept { ::SetConsoleOutputCP(codePageBefore); }
+
 } // namespace
 
 std::vector<std::string> getArguments(int /*argc*/, char** /*argv*/) {
@@ -54,11 +71,16 @@ std::vector<std::string> getArguments(int /*argc*/, char** /*argv*/) {
 void prepareStandardFiles() noexcept {
     for (const int descriptor : {standardInput, standardOutput, standardError})
         (void)::_setmode(descriptor, _O_BINARY);
-    ::SetConsoleOutputCP(CP_UTF8);
+    // The console stays when the program has ended.
+    codePageBefore = ::GetConsoleOutputCP();
+    if (codePageBefore != 0 && codePageBefore != CP_UTF8 && ::SetConsoleOutputCP(CP_UTF8) != 0)
+        (void)std::atexit(&restoreCodePage);
 }
 
 int readStandardInput(void* buffer, std::size_t maxLength, std::size_t& count) noexcept {
     if (isInterrupted()) return EINTR;
+    const HANDLE input = ::GetStdHandle(STD_INPUT_HANDLE);
+    if (::GetFileType(input) == FILE_TYPE_PIPE && !waitForPipe(input)) return EINTR;
     const auto length = static_cast<unsigned int>(std::min<std::size_t>(maxLength, INT_MAX));
     const int got = ::_read(standardInput, buffer, length);
     if (got < 0) return errno;
