@@ -55,6 +55,11 @@ install(
     DESTINATION ${VANTRA_CMAKE_DIR}
     COMPONENT development)
 
+if(WIN32)
+    include(cmake/VantraWindowsPackage.cmake)
+    return()
+endif()
+
 # pkg-config. wxWidgets has no file of its own for it, so what its headers need is written out.
 set(VANTRA_WX_CFLAGS "")
 foreach(folder IN LISTS wxWidgets_INCLUDE_DIRS)

@@ -148,7 +148,7 @@ build_step expat build_with_cmake expat "$(echo "$work"/src/expat-*/expat)" -DEX
 build_step googletest build_with_cmake googletest /usr/src/googletest -DCMAKE_CXX_STANDARD=20
 build_step curl build_with_cmake curl "$(echo "$work"/src/curl-*.*.*/)" -DBUILD_CURL_EXE=OFF -DBUILD_TESTING=OFF \
     -DBUILD_SHARED_LIBS=OFF -DENABLE_UNICODE=ON -DCMAKE_C_FLAGS=-DFD_SETSIZE=$socket_set_size -DCURL_USE_OPENSSL=ON -DCURL_ZLIB=OFF -DCURL_USE_LIBSSH2=OFF -DUSE_NGHTTP2=OFF \
-    -DUSE_LIBIDN2=OFF -DCURL_BROTLI=OFF -DCURL_ZSTD=OFF -DCURL_DISABLE_LDAP=ON -DCURL_DISABLE_LDAPS=ON
+    -DCURL_CA_BUNDLE=none -DCURL_CA_PATH=none -DUSE_LIBIDN2=OFF -DCURL_BROTLI=OFF -DCURL_ZSTD=OFF -DCURL_DISABLE_LDAP=ON -DCURL_DISABLE_LDAPS=ON
 build_step wxwidgets build_with_cmake wxwidgets "$(echo "$work"/src/wxwidgets3.2-*/)" -DwxBUILD_SHARED=ON \
     -DwxUSE_GUI=OFF -DwxBUILD_MONOLITHIC=OFF -DwxUSE_XML=ON -DwxUSE_EXPAT=sys -DwxUSE_ZLIB=OFF -DwxUSE_REGEX=OFF \
     -DwxUSE_WEBREQUEST=OFF -DwxUSE_SOCKETS=OFF -DwxUSE_PROTOCOL=OFF -DwxUSE_PROTOCOL_HTTP=OFF \

@@ -35,9 +35,11 @@ public:
     virtual bool removeRequest(CNetRequest* request) = 0;
 };
 
-/// Runs requests on one libcurl multi handle, driven by a loop of waitForEvents and handleEvents. At most
-/// FD_SETSIZE sockets are watched (1024 on Linux, 64 on Windows); transfers beyond are served at libcurl's
-/// timers.
+/// Runs requests on one libcurl multi handle, driven by a loop of waitForEvents and handleEvents. The wait is
+/// a select(): it watches the sockets that a set holds, on Linux those whose numbers are below 1024, on
+/// Windows 1024 of them (FD_SETSIZE, which the build raises from 64 for libcurl and this library). Any number
+/// of transfers may run; those whose sockets are not watched go on whenever handleEvents() is called, thus
+/// after a wait of 1000 ms at most.
 ///
 /// Thread safety: one thread at a time, and the same one as long as requests run.
 class VANTRA_API CAsyncNetRequestManager : public kel::CBase, public virtual IAsyncNetRequestManager {

@@ -1,0 +1,45 @@
+#!/usr/bin/env bash
+# Everything that has to hold of the build for 64-bit Windows, run under Wine. Stops at the first step that fails; a
+# second run is quick. The servers that the tests talk to run natively on this system.
+#
+#     scripts/test-windows.sh              all steps
+#     scripts/test-windows.sh STEP...      these steps, in this order
+#
+#     deps      installs the Debian packages that are missing; builds the libraries for Windows once, into a cache
+#     build     builds everything
+#     tests     runs all tests                                        (needs build)
+#     exports   what vantra.dll exports, beside libvantra.so, and what the DLLs need   (needs build)
+#     package   the .zip, unpacked and used by a project of its own   (needs build)
+# shellcheck source=scripts/lib.sh
+. "$(dirname "$0")/lib.sh"
+# shellcheck source=scripts/steps.sh
+. scripts/steps.sh
+
+preset=windows-x64
+# Wine shows this system's files as the drive Z.
+tests_see_root=Z:
+
+step_deps() {
+    scripts/install-deps.sh build test windows
+    scripts/windows-deps.sh
+}
+
+step_build() { build_preset "$preset"; }
+
+step_tests() { run_tests "$preset" --; }
+
+step_exports() {
+    cmake --preset debug
+    cmake --build --preset debug --target vantra
+    scripts/check-windows-exports.sh "build/$preset" build/debug
+}
+
+step_package() { scripts/test-windows-package.sh "build/$preset"; }
+
+case ${1-} in
+--help | -h)
+    print_usage
+    exit 0
+    ;;
+esac
+run_steps "deps build tests exports package" "$@"
