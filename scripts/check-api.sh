@@ -34,7 +34,7 @@ record_library() {
     # A function that is but a symbol in the record could change its return type unseen. Compared by their readable
     # names, which the variants of a constructor share. Virtual tables and thunks (_ZT...), guards (_ZGV...) and the
     # variables of a function (_ZZ...) have no declaration.
-    silent=$(comm -23 <(sed -nE "s/.*<elf-symbol name='(_Z[^']+)'.*/\1/p" "$2" | grep -vE '^_Z(T|GV|Z)' | c++filt | sort -u) \
+    silent=$(comm -23 <(sed -nE "s/.*<elf-symbol name='(_Z[^']+)'.* type='func-type'.*/\1/p" "$2" | grep -vE '^_Z(T|GV|Z)' | c++filt | sort -u) \
         <(sed -nE "s/.* elf-symbol-id='([^']+)'.*/\1/p" "$2" | c++filt | sort -u))
     [ -z "$silent" ] || die "$library has no debug information of:
 $silent"
