@@ -59,6 +59,7 @@ SERVER
 # start_server NAME [CERTIFICATE KEY]: sets port.
 start_server() {
     local attempt
+    : >"$work/$1.port"
     /usr/bin/python3 "$work/server.py" "$work/pages" "${2-}" "${3-}" >"$work/$1.port" 2>"$work/$1.log" &
     servers+=($!)
     for attempt in {1..100}; do
