@@ -35,6 +35,17 @@ TEST(ToolS3, PutsAndGetsAnObject) {
     EXPECT_THAT(runS3({"head", "s3://bucket/a/b c.bin"}).output, HasSubstr("content-type: image/x-test\n"));
 }
 
+TEST(ToolS3, TakesFileNamesAndKeysWithAnyLetters) {
+    const TempDir folder;
+    const std::string name = "Gr\u00f6\u00dfe \u65e5\u672c \u20ac \U0001F418.bin";
+    const std::string content("\0\r\n\xff\x1a more", 10);
+    EXPECT_EQ(runS3({"put", "s3://bucket/any/" + name, "-f", folder.writeFile(name, content)}),
+              succeeded(""));
+    EXPECT_EQ(runS3({"get", "s3://bucket/any/" + name, "-o", folder.file("copy " + name)}), succeeded(""));
+    EXPECT_EQ(folder.readFile("copy " + name), content);
+    EXPECT_THAT(runS3({"ls", "s3://bucket/any/"}).output, HasSubstr(name));
+}
+
 TEST(ToolS3, PutsStandardInputAndNothing) {
     putObject("s3://bucket/from input", "read to its end");
     EXPECT_EQ(runS3({"get", "s3://bucket/from input"}), succeeded("read to its end"));

@@ -70,6 +70,11 @@ testsupport::NginxServer& webServer() {
     return server;
 }
 
+std::string shown(const std::string& path) {
+    const std::u8string text = testsupport::pathOf(path).make_preferred().u8string();
+    return std::string(text.begin(), text.end());
+}
+
 std::vector<std::string> filesIn(const std::string& folder) {
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(testsupport::pathOf(folder)))

@@ -48,6 +48,9 @@ std::string withoutRootsRights();
 /// access log.
 testsupport::NginxServer& webServer();
 
+/// A file's path as the program's messages show it.
+std::string shown(const std::string& path);
+
 /// The names of all files in a folder, hidden ones included, sorted.
 std::vector<std::string> filesIn(const std::string& folder);
 

@@ -1,0 +1,7 @@
+#include "support/ResetConnection.h"
+
+namespace testsupport {
+
+bool resetMayLookLikeAnEnd() { return false; }
+
+} // namespace testsupport
