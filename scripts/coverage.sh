@@ -19,7 +19,9 @@ case ${1-} in
     cmake --preset coverage
     cmake --build --preset coverage
     find "$build" -name '*.gcda' -delete
-    env -u http_proxy -u https_proxy -u ftp_proxy -u all_proxy -u no_proxy \
+    # One test limits the size of all files that the command writes, the counters among them.
+    GTEST_FILTER=-ToolOutputFile.IsGivenUpWhenItCannotBeWritten \
+        env -u http_proxy -u https_proxy -u ftp_proxy -u all_proxy -u no_proxy \
         -u HTTPS_PROXY -u FTP_PROXY -u ALL_PROXY -u NO_PROXY \
         ctest --preset coverage --parallel "$CMAKE_BUILD_PARALLEL_LEVEL" --no-tests=error
     ;;
