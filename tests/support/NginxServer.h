@@ -30,20 +30,22 @@ struct NginxOptions {
 /// An nginx of the test's own with one worker, on free ports of 127.0.0.1.
 ///
 /// On the ports http, https and https1 it offers:
-///
-/// | path | answer |
-/// |---|---|
-/// | /hello.txt /page.html /empty.txt /big.bin | files, with ranges, ETag and, if the client wants it, gzip
-/// for texts | | /r301 /r302 /r303 /r307 /r308 | a redirect to /hello.txt; with more path behind it, to that
-/// path | | /rabs /rrel /rcross /rhttps | 302 to /hello.txt, given absolute or relative; to /echo on the host
-/// localhost; to https | | /chain/N /loop | N redirects (1 to 60) to /hello.txt; redirects without end | |
-/// /s204 /s400 /s403 /s404 /s404html /s410 /s429 /s500 /s502 /s503 | that status; a line of text but for 204,
-/// 410 and 429 | | /basic/FILE | the files, for userName() and password() only, realm "test realm" | |
-/// /put/NAME | PUT, DELETE, MKCOL, COPY, MOVE; 201 for a new file, 204 for an old one | | /putauth/NAME | PUT
-/// and DELETE, for userName() and password() only | | /echo | the request's head and body as text/plain; the
-/// head is missing over HTTP/2 | | /delay/SECONDS | "late\n" after that time, which may be a fraction | |
-/// /slow | /big.bin with 2 KiB a second | | /noranges/FILE | the files, always whole | | /bench | 256 bytes
-/// with exactly 12 response headers; not logged |
+/// - /hello.txt /page.html /empty.txt /big.bin: files, with ranges, ETag and, if the client wants it, gzip
+///   for texts
+/// - /r301 /r302 /r303 /r307 /r308: a redirect to /hello.txt; with more path behind it, to that path
+/// - /rabs /rrel /rcross /rhttps: 302 to /hello.txt, given absolute or relative; to /echo on the host
+///   localhost; to https
+/// - /chain/N /loop: N redirects (1 to 60) to /hello.txt; redirects without end
+/// - /s204 /s400 /s403 /s404 /s404html /s410 /s429 /s500 /s502 /s503: that status; a line of text but for
+///   204, 410 and 429
+/// - /basic/FILE: the files, for userName() and password() only, realm "test realm"
+/// - /put/NAME: PUT, DELETE, MKCOL, COPY, MOVE; 201 for a new file, 204 for an old one
+/// - /putauth/NAME: PUT and DELETE, for userName() and password() only
+/// - /echo: the request's head and body as text/plain; the head is missing over HTTP/2
+/// - /delay/SECONDS: "late\n" after that time, which may be a fraction
+/// - /slow: /big.bin with 2 KiB a second
+/// - /noranges/FILE: the files, always whole
+/// - /bench: 256 bytes with exactly 12 response headers; not logged
 ///
 /// The other HTTPS ports offer the files only.
 ///
