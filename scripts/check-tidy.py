@@ -30,6 +30,9 @@ STAMPS = ROOT / "build" / "tidy"
 HEADER_FILTER = "/(" + "|".join(ROOMS + ("include/(vantra|kel|sigil)", "include-posix/kel")) + r")/.*\.(h|cpp)$"
 SOURCES_IN_A_UNIT = 8
 
+# An option of builds for debugging that clang does not know.
+GCC_ONLY = "-femit-class-debug-always"
+
 
 def read_sources(build, only):
     """The product's sources as pairs of path and compiler arguments, each once."""
@@ -50,7 +53,7 @@ def read_sources(build, only):
 
 
 def options(command, source):
-    """A compilation's options alone: no launcher, compiler, source, output or dependency file."""
+    """A compilation's options alone, as clang knows them: no launcher, compiler, source, output or dependency file."""
     compiler = next(i for i, word in enumerate(command) if re.fullmatch(r"(clang|g|c)\+\+.*", os.path.basename(word)))
     kept, skip = [], False
     for word in command[compiler + 1:]:
@@ -58,7 +61,7 @@ def options(command, source):
             skip = False
         elif word in ("-o", "-MF", "-MT", "-MQ"):
             skip = True
-        elif word not in ("-c", "-MD", "-MMD", source):
+        elif word not in ("-c", "-MD", "-MMD", GCC_ONLY, source):
             kept.append(word)
     return kept
 
