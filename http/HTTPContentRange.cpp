@@ -36,7 +36,7 @@ ContentRangeParts splitContentRange(std::wstring_view value) {
 } // namespace
 
 // A DLL exports a constant of a class only where it is defined.
-constexpr kel::int64 CHTTPContentRange::unknown;
+constexpr kel::int64 CHTTPContentRange::unknown; // NOLINT(readability-redundant-declaration)
 
 CHTTPContentRange::CHTTPContentRange(const String& unit, int64 first, int64 last, int64 entireContentSize)
     : unit_(unit), first_(first), last_(last), entireContentSize_(entireContentSize) {}

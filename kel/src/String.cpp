@@ -59,7 +59,7 @@ constexpr wchar_t toUpperASCII(wchar_t c) noexcept {
 } // namespace
 
 // A DLL exports a constant of a class only where it is defined.
-constexpr std::size_t String::npos;
+constexpr std::size_t String::npos; // NOLINT(readability-redundant-declaration)
 
 String::String(const char* utf8) : String(utf8, utf8 ? std::char_traits<char>::length(utf8) : 0) {}
 

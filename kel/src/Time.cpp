@@ -105,7 +105,7 @@ String padded(int64 value, std::size_t width) {
 } // namespace
 
 // A DLL exports a constant of a class only where it is defined.
-constexpr int CTimeFields::weekDayUnknown;
+constexpr int CTimeFields::weekDayUnknown; // NOLINT(readability-redundant-declaration)
 
 CTimeSpan CTimeSpan::fromMicroseconds(int64 microseconds) {
     return CTimeSpan(std::min(microseconds, longestFiniteSpan));
