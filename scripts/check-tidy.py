@@ -27,7 +27,8 @@ STAMPS = ROOT / "build" / "tidy"
 
 
 # In a unit the sources are included, so what is said of them passes the filter for headers only.
-HEADER_FILTER = "/(" + "|".join(ROOMS + ("include/(vantra|kel|sigil)", "include-posix/kel")) + r")/.*\.(h|cpp)$"
+HEADERS = ("include", "kel/include", "kel/include-posix", "sigil/include")
+HEADER_FILTER = f"^{re.escape(str(ROOT))}/({'|'.join(ROOMS + HEADERS)})/.*\\.(h|cpp)$"
 SOURCES_IN_A_UNIT = 8
 
 # An option of builds for debugging that clang does not know.

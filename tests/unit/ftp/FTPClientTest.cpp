@@ -185,15 +185,14 @@ TEST_F(FTPClientArguments, MustBeARangeForADownload) {
     using Range = std::pair<kel::int64, kel::int64>;
     const Range ranges[] = {{0, 0},  {5, 0},  {0, -2},        {-1, -1},
                             {-5, 5}, {-5, 0}, {1, INT64_MIN}, {2, last - 1}};
-    for (const auto& [first, length] : ranges) {
-        EXPECT_EQ(thrownBy([&] { client_.prepareDownloadRequest(*request_, "/a", first, length); }), invalid)
-            << first << ' ' << length;
-    }
+    const auto download = [&](const Range& range) {
+        return thrownBy([&] { client_.prepareDownloadRequest(*request_, "/a", range.first, range.second); });
+    };
+    for (const Range& range : ranges)
+        EXPECT_EQ(download(range), invalid) << range.first << ' ' << range.second;
     EXPECT_EQ(request_->getURL(), "");
-    for (const auto& [first, length] : {Range{last, -1}, Range{1, last - 1}}) {
-        EXPECT_EQ(thrownBy([&] { client_.prepareDownloadRequest(*request_, "/a", first, length); }),
-                  nothingThrown);
-    }
+    for (const Range& range : {Range{last, -1}, Range{1, last - 1}})
+        EXPECT_EQ(download(range), nothingThrown);
 }
 
 TEST_F(FTPClientArguments, MustNotSmuggleCommandsIn) {
