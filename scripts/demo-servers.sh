@@ -28,7 +28,7 @@ start_server() {
         "$prepare" "$attempt"
         "${command[@]}" >"$work/server.log" 2>&1 </dev/null &
         server_pid=$!
-        for ((waited = 0; waited < 200; waited++)); do
+        for ((waited = 0; waited < 600; waited++)); do
             if ! kill -0 "$server_pid" 2>/dev/null; then break; fi
             if accepts_connections "$last_port"; then
                 server_pids+=("$server_pid")
