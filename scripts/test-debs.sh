@@ -38,7 +38,7 @@ architecture=$(dpkg --print-architecture)
 # shellcheck disable=SC2016  # apt-get expands these
 mapfile -t sources < <(apt-get indextargets --format '$(REPO_URI) $(RELEASE) $(COMPONENT)' 'Created-By: Packages' |
     awk -v suite="$codename" '$3 == "main" && ($2 == suite || index($2, suite "-") == 1) { print "deb", $0 }' | sort -u)
-mirror=$(printf '%s\n' "${sources[@]}" | awk -v suite="$codename" '$3 == suite { print $2; exit }')
+mirror=$(printf '%s\n' "${sources[@]}" | awk -v suite="$codename" '$3 == suite && !found { print $2; found = 1 }')
 [ -n "$mirror" ] || die "apt knows no source of $codename main, or has not looked at it: apt-get update"
 http_proxy=${http_proxy-$(apt-config shell proxy Acquire::http::Proxy | sed -nE "s/^proxy='(.*)'\$/\\1/p")}
 
@@ -98,7 +98,7 @@ serve_pages "$work/pages"
 apt_get update
 apt_get install "$(deb vantra-tools)" "$(deb libvantra0)"
 say "The command and the libraries are installed."
-inside ldconfig --print-cache | grep -q 'libvantra\.so\.0' || die "the dynamic linker was not told of the libraries"
+inside ldconfig --print-cache | grep 'libvantra\.so\.0' >/dev/null || die "the dynamic linker was not told of the libraries"
 told=$(inside vantra --version)
 [[ $told = *"${version%-*}"* ]] || die "vantra --version says '$told', not ${version%-*}"
 inside vantra get "$pages_url/page.txt" >"$work/fetched" || die "vantra get failed"

@@ -63,7 +63,7 @@ tells() {
         die "a project $what was configured"
     fi
     # The message is broken into lines as it is shown.
-    tr -s ' \n' ' ' <"$work/cmake.log" | grep -qF -- "$text" || die "a project $what is not told '$text': $(cat "$work/cmake.log")"
+    tr -s ' \n' ' ' <"$work/cmake.log" | grep -F -- "$text" >/dev/null || die "a project $what is not told '$text': $(cat "$work/cmake.log")"
     rm -rf "$work/other"
     say "A project $what is told so."
 }

@@ -93,7 +93,7 @@ build_step() {
 
 fetch_sources() {
     local mirror=${VANTRA_DEBIAN_MIRROR-}
-    [ -n "$mirror" ] || mirror=$(sed -n 's/^URIs: *//p' /etc/apt/sources.list.d/debian.sources 2>/dev/null | head -n 1)
+    [ -n "$mirror" ] || mirror=$(sed -n '/^URIs: */{s///p;q}' /etc/apt/sources.list.d/debian.sources 2>/dev/null)
     [ -n "$mirror" ] || mirror=http://deb.debian.org/debian
     echo "deb-src [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] $mirror $suite main" >"$work/sources.list"
     local apt=(apt-get -q -o Dir::Etc::SourceList="$work/sources.list" -o Dir::Etc::SourceParts=/dev/null
