@@ -15,7 +15,7 @@
 # shellcheck source=scripts/lib.sh
 . "$(dirname "$0")/lib.sh"
 
-build=(g++ cmake ninja-build ccache pkg-config libwxgtk3.2-dev libcurl4-openssl-dev libssl-dev libcli11-dev
+build=(g++ cmake ninja-build make ccache pkg-config libwxgtk3.2-dev libcurl4-openssl-dev libssl-dev libcli11-dev
     nlohmann-json3-dev)
 demo=(nginx-light openssl proftpd-core proftpd-mod-crypto python3-aiosmtpd python3-swift swift-proxy swift-account swift-container swift-object)
 test=(libgtest-dev libgmock-dev openssl nginx-light libnginx-mod-http-echo tinyproxy-bin python3 python3-httpbin gunicorn
