@@ -33,10 +33,8 @@ void checkScheme(const std::string& option, const String& address) {
 
 /// Empty when there is none.
 String getPart(const URLHandle& url, CURLUPart part) {
-    char* text = nullptr;
-    const CURLUcode result = curl_url_get(url.get(), part, &text, 0);
-    const CURLString owner(text);
-    return result == CURLUE_OK ? String(text) : String();
+    const auto [result, text] = getURLPart(url, part, 0);
+    return result == CURLUE_OK ? String(text.get()) : String();
 }
 
 /// As libcurl will do it, which takes an address without a scheme for one of HTTP.

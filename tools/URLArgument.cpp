@@ -79,12 +79,10 @@ URLHandle parseURL(const String& name, const String& text) {
 /// Nothing when the URL has no such part.
 std::optional<std::string> getPart(const String& name, const URLHandle& url, CURLUPart part,
                                    unsigned int flags) {
-    char* value = nullptr;
-    const CURLUcode result = curl_url_get(url.get(), part, &value, flags);
-    const CURLString owner(value);
+    const auto [result, value] = getURLPart(url, part, flags);
     if (result == CURLUE_NO_USER || result == CURLUE_NO_PASSWORD) return std::nullopt;
     if (result != CURLUE_OK) throw CUsageError(name + ": is malformed: " + curl_url_strerror(result));
-    return std::string(value);
+    return std::string(value.get());
 }
 
 /// Nothing when there is no login. libcurl refuses control characters while it decodes.

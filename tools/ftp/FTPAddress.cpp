@@ -21,12 +21,10 @@ namespace {
 /// The part, or nothing when the URL has none.
 std::optional<std::string> getPart(const std::string& name, const URLHandle& url, CURLUPart part,
                                    unsigned int flags) {
-    char* text = nullptr;
-    const CURLUcode code = curl_url_get(url.get(), part, &text, flags);
-    const CURLString owner(text);
+    const auto [code, text] = getURLPart(url, part, flags);
     if (code == CURLUE_URLDECODE) refuse(name, "the path stands for control characters");
     if (code != CURLUE_OK) return std::nullopt;
-    return std::string(text);
+    return std::string(text.get());
 }
 
 } // namespace
