@@ -38,7 +38,7 @@ follow() {
     (
         cd "$1"
         # What an earlier run compiled need not be compiled again.
-        env -u http_proxy -u all_proxy -u ALL_PROXY -u DESTDIR HOME="$work/home" CCACHE_DIR="$ccache" \
+        without_proxies -u DESTDIR HOME="$work/home" CCACHE_DIR="$ccache" \
             CCACHE_BASEDIR="$work/clone" CCACHE_NOHASHDIR=true CXXFLAGS= bash -euc "$script"
     ) >"$work/log" 2>&1 || die "these lines of $guide do not work:
 $2

@@ -20,9 +20,7 @@ case ${1-} in
     cmake --build --preset coverage
     find "$build" -name '*.gcda' -delete
     # One test limits the size of all files that the command writes, the counters among them.
-    GTEST_FILTER=-ToolOutputFile.IsGivenUpWhenItCannotBeWritten \
-        env -u http_proxy -u https_proxy -u ftp_proxy -u all_proxy -u no_proxy \
-        -u HTTPS_PROXY -u FTP_PROXY -u ALL_PROXY -u NO_PROXY \
+    without_proxies GTEST_FILTER=-ToolOutputFile.IsGivenUpWhenItCannotBeWritten \
         ctest --preset coverage --parallel "$CMAKE_BUILD_PARALLEL_LEVEL" --no-tests=error
     ;;
 --report)

@@ -56,9 +56,7 @@ fetch() {
     say ""
     say "  \$ vantra get $shown"
     local status=0
-    # No proxy of the environment: the server is on loopback.
-    env -u http_proxy -u https_proxy -u all_proxy -u HTTPS_PROXY -u ALL_PROXY \
-        "$vantra" get "$@" >"$work/body" 2>"$work/messages" </dev/null || status=$?
+    without_proxies "$vantra" get "$@" >"$work/body" 2>"$work/messages" </dev/null || status=$?
     sed 's/^/  /' "$work/body" "$work/messages"
     say "  (exit status $status)"
     printf '%s\n' "$status" >"$work/status"
@@ -85,8 +83,7 @@ use_ftp() {
     local status=0
     say ""
     say "  \$ vantra ftp ${arguments[*]//$work/TEMP}"
-    env -u ftp_proxy -u all_proxy -u FTP_PROXY -u ALL_PROXY \
-        "$vantra" ftp "${arguments[@]}" >"$work/body" 2>"$work/messages" </dev/null || status=$?
+    without_proxies "$vantra" ftp "${arguments[@]}" >"$work/body" 2>"$work/messages" </dev/null || status=$?
     sed 's/^/  /' "$work/body" "$work/messages"
     say "  (exit status $status)"
     printf '%s\n' "$status" >"$work/status"
@@ -115,7 +112,7 @@ send_mail() {
         --password-file "$work/password" "$@")
     say ""
     say "  \$ vantra mail send ${arguments[*]//$work/TEMP}"
-    env -u all_proxy -u ALL_PROXY "$vantra" mail send "${arguments[@]}" 2>"$work/messages" </dev/null || {
+    without_proxies "$vantra" mail send "${arguments[@]}" 2>"$work/messages" </dev/null || {
         cat "$work/messages" >&2
         die "sending the mail failed"
     }
@@ -143,8 +140,7 @@ use_store() {
     local status=0
     say ""
     say "  \$ vantra s3 ${arguments[*]//$work/TEMP}"
-    env -u http_proxy -u all_proxy -u ALL_PROXY \
-        "$vantra" s3 "${arguments[@]}" >"$work/body" 2>"$work/messages" </dev/null || status=$?
+    without_proxies "$vantra" s3 "${arguments[@]}" >"$work/body" 2>"$work/messages" </dev/null || status=$?
     sed 's/^/  /' "$work/body" "$work/messages"
     say "  (exit status $status)"
     printf '%s\n' "$status" >"$work/status"

@@ -54,3 +54,10 @@ stop_pages() {
     if [ -n "${pages_pid-}" ] && kill "$pages_pid" 2>/dev/null; then wait "$pages_pid" 2>/dev/null || true; fi
     pages_pid=
 }
+
+# without_proxies [NAME=VALUE...] COMMAND...: runs a command in an environment that names no proxy: servers of the
+# loopback interface are not reached through one.
+without_proxies() {
+    env -u http_proxy -u https_proxy -u ftp_proxy -u all_proxy -u no_proxy \
+        -u HTTPS_PROXY -u FTP_PROXY -u ALL_PROXY -u NO_PROXY "$@"
+}

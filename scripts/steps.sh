@@ -34,10 +34,7 @@ run_tests() {
     shift
     local reports=$PWD/build/$preset/test-reports cases programs skipped
     rm -rf "$reports"
-    # Loopback servers are not reached through a proxy that the environment names.
-    env -u http_proxy -u https_proxy -u ftp_proxy -u all_proxy -u no_proxy \
-        -u HTTPS_PROXY -u FTP_PROXY -u ALL_PROXY -u NO_PROXY \
-        GTEST_OUTPUT="xml:${tests_see_root-}$reports/" "${launcher[@]}" \
+    without_proxies GTEST_OUTPUT="xml:${tests_see_root-}$reports/" "${launcher[@]}" \
         ctest --preset "$preset" --parallel "$CMAKE_BUILD_PARALLEL_LEVEL" --no-tests=error "$@"
     programs=$(find "$reports" -name '*.xml' | wc -l)
     cases=$(find "$reports" -name '*.xml' -exec sed -nE 's/^<testsuites tests="([0-9]+)".*/\1/p' {} + |

@@ -40,7 +40,7 @@ page=$pages_url/page.txt
 fetches_page() {
     local how=$1
     shift
-    env -u http_proxy -u all_proxy -u ALL_PROXY "$@" "$page" >"$work/fetched" || die "the program built $how failed"
+    without_proxies "$@" "$page" >"$work/fetched" || die "the program built $how failed"
     cmp "$work/pages/page.txt" "$work/fetched" || die "the program built $how fetched something else"
     say "The program built $how fetched the page."
 }
