@@ -5,11 +5,6 @@
 #include <algorithm>
 #include <filesystem>
 
-void PrintTo(const Outcome& outcome, std::ostream* stream) {
-    *stream << "exit status " << outcome.exitStatus << ", output " << testing::PrintToString(outcome.output)
-            << ", error " << testing::PrintToString(outcome.error);
-}
-
 std::string exampleProgram(const std::string& name) { return EXAMPLES_FOLDER "/" + name; }
 
 testsupport::Environment exampleEnvironment() {
@@ -45,8 +40,7 @@ Outcome runExample(const std::string& name, const std::vector<std::string>& argu
     testsupport::CommandOptions options;
     options.environment = exampleEnvironment();
     for (const auto& [variable, value] : environment) options.environment[variable] = value;
-    const testsupport::CommandResult result = testsupport::runCommand(command, standardInput, options);
-    return {result.exitStatus, result.standardOutput, result.standardError};
+    return testsupport::outcomeOf(testsupport::runCommand(command, standardInput, options));
 }
 
 testsupport::NginxServer& webServer() {

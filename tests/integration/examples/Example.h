@@ -3,21 +3,13 @@
 
 #include "support/Command.h"
 #include "support/NginxServer.h"
+#include "support/Outcome.h"
 
-#include <ostream>
 #include <string>
 #include <string_view>
 #include <vector>
 
-/// All that a program left behind for its caller.
-struct Outcome {
-    int exitStatus = -1;
-    std::string output;
-    std::string error;
-
-    friend bool operator==(const Outcome&, const Outcome&) = default;
-};
-void PrintTo(const Outcome& outcome, std::ostream* stream);
+using testsupport::Outcome;
 
 /// Runs an example to its end.
 /// @param name of the program.

@@ -16,16 +16,10 @@ std::string asLine(std::string_view message) { return "vantra: " + std::string(m
 Outcome run(const std::vector<std::string>& command, std::string_view standardInput) {
     testsupport::CommandOptions options;
     options.environment = toolEnvironment();
-    const testsupport::CommandResult result = testsupport::runCommand(command, standardInput, options);
-    return {result.exitStatus, result.standardOutput, result.standardError};
+    return testsupport::outcomeOf(testsupport::runCommand(command, standardInput, options));
 }
 
 } // namespace
-
-void PrintTo(const Outcome& outcome, std::ostream* stream) {
-    *stream << "exit status " << outcome.exitStatus << ", output " << testing::PrintToString(outcome.output)
-            << ", error " << testing::PrintToString(outcome.error);
-}
 
 Outcome succeeded(std::string_view output) { return {0, std::string(output), ""}; }
 

@@ -3,23 +3,15 @@
 
 #include "support/Command.h"
 #include "support/NginxServer.h"
+#include "support/Outcome.h"
 
-#include <ostream>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace tooltest {
 
-/// All that the command left behind for its caller.
-struct Outcome {
-    int exitStatus = -1;
-    std::string output;
-    std::string error;
-
-    friend bool operator==(const Outcome&, const Outcome&) = default;
-};
-void PrintTo(const Outcome& outcome, std::ostream* stream);
+using testsupport::Outcome;
 
 /// Exit status 0, the bytes on standard output, nothing on standard error.
 Outcome succeeded(std::string_view output);

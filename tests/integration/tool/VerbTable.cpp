@@ -146,8 +146,7 @@ Outcome ExampleFolder::runCommand(const std::vector<std::string>& command) const
     options.environment = toolEnvironment();
     for (const char* variable : {"http_proxy", "https_proxy", "ftp_proxy", "all_proxy"})
         options.environment[variable] = "http://127.0.0.1:1";
-    const testsupport::CommandResult result = testsupport::runCommand(command, {}, options);
-    return {result.exitStatus, result.standardOutput, result.standardError};
+    return testsupport::outcomeOf(testsupport::runCommand(command, {}, options));
 }
 
 std::vector<std::string> exampleArguments(const Verb& verb) {
