@@ -34,7 +34,8 @@ run_tests() {
     shift
     local reports=$PWD/build/$preset/test-reports cases programs skipped
     rm -rf "$reports"
-    without_proxies GTEST_OUTPUT="xml:${tests_see_root-}$reports/" "${launcher[@]}" \
+    # Brief: ctest shows all that a failing program wrote, in which the failures should not have to be looked for.
+    without_proxies GTEST_BRIEF=1 GTEST_OUTPUT="xml:${tests_see_root-}$reports/" "${launcher[@]}" \
         ctest --preset "$preset" --parallel "$CMAKE_BUILD_PARALLEL_LEVEL" --no-tests=error "$@"
     programs=$(find "$reports" -name '*.xml' | wc -l)
     cases=$(find "$reports" -name '*.xml' -exec sed -nE 's/^<testsuites tests="([0-9]+)".*/\1/p' {} + |

@@ -90,10 +90,11 @@ http {
         location ~ ^/delay/(?<seconds>[0-9.]+)$ {
             default_type text/plain;
             gzip off;
+            access_log off;
             echo_sleep $seconds;
             echo late;
         }
-        location = /slow { limit_rate 2k; alias @DIR@/www/big.bin; }
+        location = /slow { access_log off; limit_rate 2k; alias @DIR@/www/big.bin; }
         location /noranges/ { alias @DIR@/www/; max_ranges 0; }
 
         location = /bench {

@@ -42,8 +42,8 @@ struct NginxOptions {
 /// - /put/NAME: PUT, DELETE, MKCOL, COPY, MOVE; 201 for a new file, 204 for an old one
 /// - /putauth/NAME: PUT and DELETE, for userName() and password() only
 /// - /echo: the request's head and body as text/plain; the head is missing over HTTP/2
-/// - /delay/SECONDS: "late\n" after that time, which may be a fraction
-/// - /slow: /big.bin with 2 KiB a second
+/// - /delay/SECONDS: "late\n" after that time, which may be a fraction; not logged
+/// - /slow: /big.bin with 2 KiB a second; not logged
 /// - /noranges/FILE: the files, always whole
 /// - /bench: 256 bytes with exactly 12 response headers; not logged
 ///

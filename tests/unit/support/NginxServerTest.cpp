@@ -232,6 +232,14 @@ TEST_F(NginxServerTest, LogsWhatTheClientSent) {
     EXPECT_EQ(log[1].tlsProtocol, "TLSv1.2");
 }
 
+// nginx ends a delayed request when its time is up, whoever still waits for it; an entry in the log would
+// then turn up in the middle of another test.
+TEST_F(NginxServerTest, DoesNotLogARequestLongAfterItsClientHasGone) {
+    EXPECT_EQ(curl({"--max-time", "0.1", server().url("/delay/0.4")}).exitStatus, 28);
+    EXPECT_EQ(curl({server().url("/delay/0.6")}).standardOutput, "late\n");
+    EXPECT_THAT(server().accessLog(), IsEmpty());
+}
+
 TEST_F(NginxServerTest, TellsConnectionsApart) {
     curl({server().url("/hello.txt"), server().url("/s204")});
     curl({server().url("/hello.txt")});
