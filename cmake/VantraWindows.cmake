@@ -59,3 +59,23 @@ function(vantra_add_version_resource target description)
         INPUT ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc.in)
     target_sources(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
 endfunction()
+
+# vantra_precompile_test_headers(TARGET LIBRARY...): compiling a test is mostly reading the same headers again, and the
+# Windows build, which starts from nothing more often than the others, has hundreds of them. The headers of the test
+# framework and of the library are read once for the tests of the shared library and once for those of its objects.
+function(vantra_precompile_test_headers target)
+    foreach(library IN ITEMS vantra vantra_objects)
+        if(library IN_LIST ARGN)
+            set(headers ${library}_test_headers)
+            if(NOT TARGET ${headers})
+                file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/test-headers.cpp CONTENT "// The headers alone.\n")
+                add_library(${headers} OBJECT ${CMAKE_BINARY_DIR}/test-headers.cpp)
+                target_link_libraries(${headers} PRIVATE ${library} vantra_warnings GTest::gtest GTest::gmock)
+                target_precompile_headers(${headers} PRIVATE <vantra/vantra.h> <gmock/gmock.h> <gtest/gtest.h>)
+            endif()
+            # For ccache, which else would not see what the headers were.
+            target_compile_options(${target} PRIVATE -fpch-preprocess)
+            target_precompile_headers(${target} REUSE_FROM ${headers})
+        endif()
+    endforeach()
+endfunction()

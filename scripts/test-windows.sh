@@ -24,7 +24,10 @@ step_deps() {
     scripts/windows-deps.sh
 }
 
-step_build() { build_preset "$preset"; }
+step_build() {
+    # Or ccache would keep nothing that was compiled with precompiled headers.
+    CCACHE_SLOPPINESS=pch_defines,time_macros build_preset "$preset"
+}
 
 step_tests() { run_tests "$preset" --; }
 
