@@ -1,11 +1,12 @@
 #include "GlobalInitSeams.h"
 #include "vantra/GlobalInit.h"
 
+#include "support/Threads.h"
+
 #include <kel/Error.h>
 
 #include <gtest/gtest.h>
 
-#include <latch>
 #include <string>
 #include <thread>
 #include <utility>
@@ -17,7 +18,7 @@ using kel::String;
 using vantra::CGlobalInit;
 
 TEST(GlobalInitFailureThreads, AllLearnOfTheOneFailure) {
-    std::latch aboutToCall(THREAD_COUNT);
+    testsupport::CountDown aboutToCall(THREAD_COUNT);
     std::thread::id starter;
     globalinitseams::setCurlGlobalInitResult(CURLE_FAILED_INIT);
     // No thread is done before every thread is on its way.
@@ -31,7 +32,7 @@ TEST(GlobalInitFailureThreads, AllLearnOfTheOneFailure) {
     for (auto& [id, message] : results) {
         threads.emplace_back([&aboutToCall, &id = id, &message = message] {
             id = std::this_thread::get_id();
-            aboutToCall.count_down();
+            aboutToCall.countDown();
             try {
                 CGlobalInit::get();
             } catch (const kel::CError& error) {

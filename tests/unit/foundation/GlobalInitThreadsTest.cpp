@@ -1,9 +1,10 @@
 #include "GlobalInitSeams.h"
 #include "vantra/GlobalInit.h"
 
+#include "support/Threads.h"
+
 #include <gtest/gtest.h>
 
-#include <latch>
 #include <string>
 #include <thread>
 #include <vector>
@@ -13,7 +14,7 @@ namespace {
 using vantra::CGlobalInit;
 
 TEST(GlobalInitThreads, AllGetTheSameInstanceAfterOneStart) {
-    std::latch aboutToCall(THREAD_COUNT);
+    testsupport::CountDown aboutToCall(THREAD_COUNT);
     // No thread is done before every thread is on its way.
     globalinitseams::setCurlGlobalInitHook([&aboutToCall] { aboutToCall.wait(); });
 
@@ -21,7 +22,7 @@ TEST(GlobalInitThreads, AllGetTheSameInstanceAfterOneStart) {
     std::vector<std::thread> threads;
     for (const CGlobalInit*& instance : instances) {
         threads.emplace_back([&aboutToCall, &instance] {
-            aboutToCall.count_down();
+            aboutToCall.countDown();
             instance = CGlobalInit::get();
         });
     }

@@ -1,38 +1,25 @@
 #include "vantra/HeaderAssembler.h"
 #include "vantra/ServerInfo.h"
 
+#include "support/Threads.h"
+
 #include <kel/P.h>
 
 #include <gtest/gtest.h>
 
-#include <latch>
 #include <set>
-#include <thread>
 #include <vector>
 
 namespace {
 
 using kel::P;
 using kel::String;
+using testsupport::runOnThreads;
+using testsupport::threadCount;
 using vantra::CHeaderAssembler;
 using vantra::CServerInfo;
 
-constexpr int threadCount = 8;
 constexpr int rounds = 2000;
-
-/// Runs `work(number)` on eight threads that start together.
-template <class Work>
-void runOnThreads(Work work) {
-    std::latch start(threadCount);
-    std::vector<std::thread> threads;
-    for (int number = 0; number < threadCount; ++number) {
-        threads.emplace_back([&start, &work, number] {
-            start.arrive_and_wait();
-            work(number);
-        });
-    }
-    for (std::thread& thread : threads) thread.join();
-}
 
 /// Odd numbers announce a server whose ranges are broken.
 String serverOf(int number) {

@@ -1,34 +1,29 @@
 #include "vantra/MultiPartMimeMessage.h"
 
+#include "support/Threads.h"
+
 #include <gtest/gtest.h>
 
-#include <latch>
 #include <set>
-#include <thread>
 #include <vector>
 
 namespace {
 
 using kel::P;
 using kel::String;
+using testsupport::runOnThreads;
+using testsupport::threadCount;
 using vantra::CMultiPartMimeMessage;
 
 TEST(BoundaryThreads, HaveABoundaryForEachMessageOfEachThread) {
-    constexpr std::size_t threadCount = 8;
     constexpr std::size_t messageCount = 500;
     std::vector<std::vector<String>> boundaries(threadCount);
-    std::latch start(threadCount);
-    std::vector<std::thread> threads;
-    for (std::vector<String>& own : boundaries) {
-        threads.emplace_back([&start, &own] {
-            start.arrive_and_wait();
-            for (std::size_t i = 0; i < messageCount; ++i) {
-                const P<CMultiPartMimeMessage> message = new CMultiPartMimeMessage();
-                own.push_back(message->getBoundary());
-            }
-        });
-    }
-    for (std::thread& thread : threads) thread.join();
+    runOnThreads([&boundaries](int number) {
+        for (std::size_t i = 0; i < messageCount; ++i) {
+            const P<CMultiPartMimeMessage> message = new CMultiPartMimeMessage();
+            boundaries[static_cast<std::size_t>(number)].push_back(message->getBoundary());
+        }
+    });
     std::set<String> distinct;
     for (const std::vector<String>& own : boundaries) distinct.insert(own.begin(), own.end());
     EXPECT_EQ(distinct.size(), threadCount * messageCount);

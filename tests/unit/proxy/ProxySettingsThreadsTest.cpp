@@ -1,6 +1,7 @@
-#include "RunOnThreads.h"
 #include "SystemProxySeam.h"
 #include "Tables.h"
+
+#include "support/Threads.h"
 
 #include <gtest/gtest.h>
 
@@ -14,8 +15,8 @@ using proxytest::Hosts;
 using proxytest::hostsOf;
 using proxytest::Proxies;
 using proxytest::proxiesOf;
-using proxytest::runOnThreads;
-using proxytest::threadCount;
+using testsupport::runOnThreads;
+using testsupport::threadCount;
 using vantra::CProxySettings;
 
 TEST(ProxySettingsThreads, EachSeeTheirOwnScheme) {

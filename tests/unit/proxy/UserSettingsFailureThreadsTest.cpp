@@ -1,6 +1,7 @@
-#include "RunOnThreads.h"
 #include "SystemProxySeam.h"
 #include "vantra/ProxySettings.h"
+
+#include "support/Threads.h"
 
 #include <kel/Error.h>
 
@@ -12,8 +13,8 @@
 namespace {
 
 using kel::String;
-using proxytest::runOnThreads;
-using proxytest::threadCount;
+using testsupport::runOnThreads;
+using testsupport::threadCount;
 using vantra::CProxySettings;
 
 TEST(UserSettingsThreads, AllLearnOfAFailure) {

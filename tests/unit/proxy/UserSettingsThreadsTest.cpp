@@ -1,6 +1,7 @@
-#include "RunOnThreads.h"
 #include "SystemProxySeam.h"
 #include "vantra/ProxySettings.h"
+
+#include "support/Threads.h"
 
 #include <gtest/gtest.h>
 
@@ -10,8 +11,8 @@ namespace {
 
 using kel::P;
 using kel::String;
-using proxytest::runOnThreads;
-using proxytest::threadCount;
+using testsupport::runOnThreads;
+using testsupport::threadCount;
 using vantra::CProxySettings;
 
 TEST(UserSettingsThreads, GetOneInstanceWhileItIsStillBeingMade) {

@@ -4,11 +4,11 @@
 #include "vantra/NetRequest.h"
 
 #include "support/ScriptedServer.h"
+#include "support/Threads.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <barrier>
 #include <thread>
 
 namespace vantra::test {
@@ -23,22 +23,15 @@ using testsupport::HttpRequest;
 using testsupport::okResponse;
 using testsupport::ScriptedConnection;
 using testsupport::ScriptedServer;
+using testsupport::threadCount;
 
-constexpr int threadCount = 8;
 constexpr int roundCount = 20;
 
-/// Runs a function on eight threads that begin at the same time, and gives what it answered on each.
-std::vector<std::string> runOnThreads(const std::function<std::string(int)>& function) {
-    std::barrier start(threadCount);
+/// What a function answered on each of eight threads.
+std::vector<std::string> getAnswers(const std::function<std::string(int)>& function) {
     std::vector<std::string> answers(threadCount);
-    std::vector<std::thread> threads;
-    for (int thread = 0; thread < threadCount; ++thread) {
-        threads.emplace_back([&, thread] {
-            start.arrive_and_wait();
-            answers[static_cast<std::size_t>(thread)] = function(thread);
-        });
-    }
-    for (std::thread& thread : threads) thread.join();
+    testsupport::runOnThreads(
+        [&](int thread) { answers[static_cast<std::size_t>(thread)] = function(thread); });
     return answers;
 }
 
@@ -58,7 +51,7 @@ void echo(ScriptedConnection& connection) {
 
 // First, so that the eight threads bring the library up.
 TEST(ARequestOnEachOfEightThreads, BringsTheLibraryUpTogether) {
-    const std::vector<std::string> answers = runOnThreads([](int) -> std::string {
+    const std::vector<std::string> answers = getAnswers([](int) -> std::string {
         const P<CNetRequest> request = new CNetRequest();
         return request->getHandle() ? "made" : "no handle";
     });
@@ -68,7 +61,7 @@ TEST(ARequestOnEachOfEightThreads, BringsTheLibraryUpTogether) {
 TEST(ARequestOnEachOfEightThreads, GetsItsOwnAnswers) {
     ScriptedServer server{&echo};
     const P<CServerInfo> info = new CServerInfo();
-    const std::vector<std::string> answers = runOnThreads([&](int thread) -> std::string {
+    const std::vector<std::string> answers = getAnswers([&](int thread) -> std::string {
         const P<CNetRequest> request = new CNetRequest();
         for (int round = 0; round < roundCount; ++round) {
             const std::string target = "/" + std::to_string(thread) + "/" + std::to_string(round);
@@ -94,7 +87,7 @@ TEST(ARequestOnEachOfEightThreads, GetsItsOwnAnswers) {
 TEST(ARequestOnEachOfEightThreads, GetsItsOwnFailures) {
     ScriptedServer server{&echo};
     const LogCapture log;
-    const std::vector<std::string> answers = runOnThreads([&](int thread) -> std::string {
+    const std::vector<std::string> answers = getAnswers([&](int thread) -> std::string {
         const P<CNetRequest> request = new CNetRequest();
         for (int round = 0; round < roundCount; ++round) {
             const std::string target = "/missing/" + std::to_string(thread) + "/" + std::to_string(round);
@@ -116,7 +109,7 @@ TEST(ARequestOnEachOfEightThreads, GetsItsOwnFailures) {
 
 TEST(ARequestOnEachOfEightThreads, ThrowsWhatItsOwnSinkThrew) {
     ScriptedServer server{&echo};
-    const std::vector<std::string> answers = runOnThreads([&](int thread) -> std::string {
+    const std::vector<std::string> answers = getAnswers([&](int thread) -> std::string {
         const P<CNetRequest> request = new CNetRequest();
         const std::string text = "sink " + std::to_string(thread);
         for (int round = 0; round < roundCount; ++round) {
@@ -140,7 +133,7 @@ TEST(AnAsynchronousOutcome, IsSeenAsAWholeByThreadsThatWaitForIt) {
         // libcurl knows of no response, so the status 0 makes each outcome a failure.
         request->setAsyncInfo(false, CURLE_OK);
         std::thread worker([&] { request->setAsyncInfo(true, CURLE_OK); });
-        const std::vector<std::string> answers = runOnThreads([&](int thread) -> std::string {
+        const std::vector<std::string> answers = getAnswers([&](int thread) -> std::string {
             if (thread % 2 == 0) {
                 while (!request->isAsyncDone()) std::this_thread::yield();
             } else if (!request->waitAsyncDone(-1)) {
@@ -160,7 +153,7 @@ TEST(AnAsynchronousOutcome, OfSMTPGivesItsReplyToAllThreads) {
     request->setAsyncInfo(true, CURLE_SEND_ERROR);
     const Thrown expected =
         curlError(CURLE_SEND_ERROR, "", {{"responseCodeDomain", "smtp"}, {"url", "smtp://127.0.0.1/"}});
-    const std::vector<std::string> answers = runOnThreads([&](int) -> std::string {
+    const std::vector<std::string> answers = getAnswers([&](int) -> std::string {
         const Thrown thrown = thrownBy([&] { request->checkAsyncResult(); });
         return thrown == expected ? "all right" : thrown.message;
     });
@@ -173,7 +166,7 @@ TEST(AnAsynchronousOutcome, IsNothingOrTheFailureForThreadsThatDoNotWait) {
     for (int round = 0; round < roundCount; ++round) {
         request->setAsyncInfo(false, CURLE_OK);
         std::thread worker([&] { request->setAsyncInfo(true, CURLE_COULDNT_CONNECT); });
-        const std::vector<std::string> answers = runOnThreads([&](int) -> std::string {
+        const std::vector<std::string> answers = getAnswers([&](int) -> std::string {
             return std::to_string(thrownBy([&] { request->checkAsyncResult(); }).code);
         });
         worker.join();
@@ -190,7 +183,7 @@ TEST(TheDoneSignals, OfSeveralRequestsCanBeWaitedForByOneThread) {
     std::thread waiter([&] {
         for (const P<CTestRequest>& request : requests) EXPECT_TRUE(request->getAsyncDoneSignal()->wait(-1));
     });
-    runOnThreads([&](int thread) -> std::string {
+    getAnswers([&](int thread) -> std::string {
         requests[static_cast<std::size_t>(thread)]->setAsyncInfo(true, CURLE_OK);
         return "";
     });
