@@ -73,8 +73,11 @@ function(vantra_precompile_test_headers target)
                 target_link_libraries(${headers} PRIVATE ${library} vantra_warnings GTest::gtest GTest::gmock)
                 target_precompile_headers(${headers} PRIVATE <vantra/vantra.h> <gmock/gmock.h> <gtest/gtest.h>)
             endif()
-            # For ccache, which else would not see what the headers were.
-            target_compile_options(${target} PRIVATE -fpch-preprocess)
+            target_compile_options(${target} PRIVATE
+                # For ccache, which else would not see what the headers were.
+                -fpch-preprocess
+                # The compiler forgets which of the headers are the system's, and warns of these.
+                -Wno-array-bounds -Wno-stringop-overflow -Wno-stringop-overread)
             target_precompile_headers(${target} REUSE_FROM ${headers})
         endif()
     endforeach()

@@ -12,6 +12,7 @@ clang-tidy itself changes: build/tidy holds one empty file for each clean state,
 
 import argparse
 import concurrent.futures
+import functools
 import hashlib
 import json
 import os
@@ -31,8 +32,8 @@ HEADERS = ("include", "kel/include", "kel/include-posix", "sigil/include")
 HEADER_FILTER = f"^{re.escape(str(ROOT))}/({'|'.join(ROOMS + HEADERS)})/.*\\.(h|cpp)$"
 SOURCES_IN_A_UNIT = 8
 
-# An option of builds for debugging that clang does not know.
-GCC_ONLY = "-femit-class-debug-always"
+# Options of our builds that clang does not know.
+GCC_ONLY = ("-femit-class-debug-always", "-fno-keep-inline-dllexport")
 
 
 def read_sources(build, only):
@@ -62,9 +63,20 @@ def options(command, source):
             skip = False
         elif word in ("-o", "-MF", "-MT", "-MQ"):
             skip = True
-        elif word not in ("-c", "-MD", "-MMD", GCC_ONLY, source):
+        elif word not in ("-c", "-MD", "-MMD", *GCC_ONLY, source):
             kept.append(word)
-    return kept
+    return kept + cross_options(command[compiler])
+
+
+@functools.cache
+def cross_options(compiler):
+    """What clang has to be told to compile for the system for which a cross compiler does."""
+    target = re.fullmatch(r"(.*-mingw32)-g\+\+.*", os.path.basename(compiler))
+    if not target:
+        return []
+    library = subprocess.run([compiler, "-print-libgcc-file-name"], check=True, capture_output=True, text=True).stdout
+    headers = pathlib.Path(library.strip()).parent / "include" / "c++"
+    return [f"--target={target[1]}", f"-isystem{headers}", f"-isystem{headers / target[1]}"]
 
 
 def units(sources):

@@ -7,6 +7,7 @@
 #
 #     deps      installs the Debian packages that are missing; builds the libraries for Windows once, into a cache
 #     build     builds everything
+#     tidy      clang-tidy over the sources that only Windows has     (needs build)
 #     tests     runs all tests                                        (needs build)
 #     exports   what vantra.dll exports, beside libvantra.so, and what the DLLs need   (needs build)
 #     package   the .zip, unpacked and used by a project of its own   (needs build)
@@ -29,6 +30,12 @@ step_build() {
     CCACHE_SLOPPINESS=pch_defines,time_macros build_preset "$preset"
 }
 
+step_tidy() {
+    local sources
+    mapfile -t sources < <(git ls-files 'kel/src/windows/*.cpp' 'proxy/windows/*.cpp' 'tools/windows/*.cpp')
+    scripts/check-tidy.py --jobs "$CMAKE_BUILD_PARALLEL_LEVEL" "build/$preset" "${sources[@]}"
+}
+
 step_tests() { run_tests "$preset" --; }
 
 step_exports() {
@@ -45,4 +52,4 @@ case ${1-} in
     exit 0
     ;;
 esac
-run_steps "deps build tests exports package" "$@"
+run_steps "deps build tidy tests exports package" "$@"

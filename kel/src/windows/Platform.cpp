@@ -193,7 +193,8 @@ String getLibraryFolder() {
     HMODULE module = nullptr;
     constexpr DWORD flags =
         GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
-    const auto address = reinterpret_cast<const wchar_t*>(reinterpret_cast<const void*>(&getLibraryFolder));
+    const auto* const address =
+        reinterpret_cast<const wchar_t*>(reinterpret_cast<const void*>(&getLibraryFolder));
     if (!::GetModuleHandleExW(flags, address, &module)) return {};
     return getParentFolder(getModulePath(module));
 }
@@ -233,7 +234,7 @@ bool callAtExit(void (*function)()) noexcept {
     // for it.
     HMODULE module = nullptr;
     constexpr DWORD flags = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN;
-    const auto address = reinterpret_cast<const wchar_t*>(reinterpret_cast<const void*>(&callAtExit));
+    const auto* const address = reinterpret_cast<const wchar_t*>(reinterpret_cast<const void*>(&callAtExit));
     if (!::GetModuleHandleExW(flags, address, &module)) return false;
     return ::_onexit(reinterpret_cast<_onexit_t>(reinterpret_cast<void*>(function))) != nullptr;
 }
