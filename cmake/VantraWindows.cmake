@@ -62,8 +62,12 @@ endfunction()
 
 # vantra_precompile_test_headers(TARGET LIBRARY...): compiling a test is mostly reading the same headers again, and the
 # Windows build, which starts from nothing more often than the others, has hundreds of them. The headers of the test
-# framework and of the library are read once for the tests of the shared library and once for those of its objects.
+# framework and of the library are read once for the tests of the shared library and once for those of its objects. A test
+# that links libcurl beside the shared library needs other macros and reads its own.
 function(vantra_precompile_test_headers target)
+    if("CURL::libcurl" IN_LIST ARGN)
+        return()
+    endif()
     foreach(library IN ITEMS vantra vantra_objects)
         if(library IN_LIST ARGN)
             set(headers ${library}_test_headers)
