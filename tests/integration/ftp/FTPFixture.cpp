@@ -1,12 +1,10 @@
 #include "FTPFixture.h"
 
-#include "support/FilePath.h"
 #include "support/ProftpdServer.h"
 #include "support/PyftpdlibServer.h"
+#include "support/ServerFile.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <map>
 #include <stdexcept>
@@ -99,30 +97,19 @@ OverFTP::OverFTP() : folder_(testFolder()) { makeFolder(""); }
 String OverFTP::at(std::string_view path) const { return String(server().path(folder_ + std::string(path))); }
 
 void OverFTP::writeFile(std::string_view path, std::string_view content) const {
-    std::ofstream stream(testsupport::pathOf(fileAt(path)), std::ios::binary | std::ios::trunc);
-    stream << content;
-    stream.close();
-    if (!stream) throw std::runtime_error("cannot write " + fileAt(path));
+    testsupport::writeServerFile(fileAt(path), content);
 }
 
 std::string OverFTP::readFile(std::string_view path) const {
-    return testsupport::readWholeFile(fileAt(path));
+    return testsupport::readServerFile(fileAt(path));
 }
 
-void OverFTP::makeFolder(std::string_view path) const {
-    std::filesystem::create_directories(testsupport::pathOf(fileAt(path)));
-}
+void OverFTP::makeFolder(std::string_view path) const { testsupport::makeServerFolder(fileAt(path)); }
 
-bool OverFTP::exists(std::string_view path) const {
-    return std::filesystem::exists(testsupport::pathOf(fileAt(path)));
-}
+bool OverFTP::exists(std::string_view path) const { return testsupport::existsOnServer(fileAt(path)); }
 
 std::vector<std::string> OverFTP::namesIn(std::string_view path) const {
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(testsupport::pathOf(fileAt(path))))
-        names.push_back(testsupport::nameOf(entry.path().filename()));
-    std::ranges::sort(names);
-    return names;
+    return testsupport::namesInServerFolder(fileAt(path));
 }
 
 CCURLError OverFTP::performForError(CNetRequest& request) {

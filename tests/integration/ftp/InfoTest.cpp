@@ -1,7 +1,8 @@
 #include "FTPFixture.h"
 
+#include "support/ServerFile.h"
+
 #include <chrono>
-#include <filesystem>
 
 using kel::CTime;
 using kel::IFileInfoBase;
@@ -21,7 +22,7 @@ protected:
     void setTime(std::string_view path) const {
         const std::chrono::sys_seconds time = std::chrono::sys_days{std::chrono::year{2019} / 4 / 1} +
                                               std::chrono::hours(12) + std::chrono::minutes(30);
-        std::filesystem::last_write_time(fileAt(path), std::chrono::file_clock::from_sys(time));
+        testsupport::setServerFileTime(fileAt(path), time);
     }
 
     static constexpr kel::int64 microseconds = 1554121800000000;
