@@ -3,6 +3,7 @@
 #include "LogCapture.h"
 
 #include "support/Ports.h"
+#include "support/ResetConnection.h"
 #include "support/ScriptedServer.h"
 
 #include <kel/Thread.h>
@@ -161,7 +162,9 @@ TEST_F(S3Retry, IsNotDoneForABodyThatBreaksOff) {
     EXPECT_EQ(transferErrorOf([&] { perform(); }), CURLE_PARTIAL_FILE);
     server_.play(Script().expectRequest().send("HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\nhalf").reset());
     // The status of success counts before libcurl's code.
-    EXPECT_EQ(transferErrorOf([&] { perform(); }), CURLE_RECV_ERROR);
+    const kel::int64 code = transferErrorOf([&] { perform(); });
+    const bool isEnd = code == CURLE_PARTIAL_FILE && testsupport::resetMayLookLikeAnEnd();
+    EXPECT_TRUE(code == CURLE_RECV_ERROR || isEnd) << code;
     EXPECT_THAT(pauses, IsEmpty());
 }
 

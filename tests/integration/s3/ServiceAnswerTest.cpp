@@ -58,7 +58,8 @@ TEST_F(S3ServiceAnswer, ToAPutSeesDigestTypeAndSignature) {
     EXPECT_EQ(request.header("Content-Length"), "5");
     EXPECT_EQ(request.body, "hello");
     EXPECT_THAT(*request.header("Date"), testing::MatchesRegex("..., .. ... .... ..:..:.. GMT"));
-    EXPECT_THAT(*request.header("Authorization"), testing::MatchesRegex("AWS id:.{27}="));
+    EXPECT_THAT(*request.header("Authorization"),
+                testing::MatchesRegex("AWS id:" + std::string(27, '.') + "="));
 }
 
 TEST_F(S3ServiceAnswer, ToAnEmptyPutSeesALengthOfNothing) {
