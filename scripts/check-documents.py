@@ -116,7 +116,7 @@ def check_block(block):
 
 def tested_outputs():
     """The pairs of document and name that tests compare."""
-    sources = (ROOT / "tests" / "integration" / "examples").glob("*.cpp")
+    sources = (ROOT / "tests" / "integration" / "examples").rglob("*.cpp")
     return {pair for path in sources for pair in USED_OUTPUT.findall(path.read_text(encoding="utf-8"))}
 
 

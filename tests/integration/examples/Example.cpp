@@ -1,11 +1,17 @@
 #include "Example.h"
 
+#include "support/FilePath.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <filesystem>
 
-std::string exampleProgram(const std::string& name) { return EXAMPLES_FOLDER "/" + name; }
+std::string exampleProgram(const std::string& name) {
+    std::string path = FIRST_EXAMPLE; // the others' paths differ in the name alone
+    path.resize(path.size() - std::string_view("first").size());
+    return path + name;
+}
 
 testsupport::Environment exampleEnvironment() {
     testsupport::Environment environment;
@@ -50,8 +56,10 @@ testsupport::NginxServer& webServer() {
 
 std::vector<std::string> filesIn(const std::string& folder) {
     std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
-        if (!entry.is_directory()) names.push_back(entry.path().lexically_relative(folder).string());
+    const std::filesystem::path root = testsupport::pathOf(folder);
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(root))
+        if (!entry.is_directory())
+            names.push_back(testsupport::nameOf(entry.path().lexically_relative(root)));
     std::ranges::sort(names);
     return names;
 }

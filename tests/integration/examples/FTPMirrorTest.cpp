@@ -1,14 +1,7 @@
 #include "Document.h"
-#include "Example.h"
-
-#include "support/ProftpdServer.h"
-#include "support/PyftpdlibServer.h"
-#include "support/TempDir.h"
+#include "Mirror.h"
 
 #include <gmock/gmock.h>
-
-#include <filesystem>
-#include <fstream>
 
 using namespace testsupport;
 using testing::ElementsAre;
@@ -17,50 +10,15 @@ using testing::IsEmpty;
 
 namespace {
 
-/// Tests with two makes of servers.
 template <class Server>
-class FTPMirror : public testing::Test {
-protected:
-    static FtpServer& server() {
-        static Server server;
-        return server;
-    }
-
-    static Environment environment() {
-        return {{"FTP_USER", FtpServer::userName()},
-                {"FTP_PASSWORD", FtpServer::password()},
-                {"SSL_CERT_FILE", server().caFile()}};
-    }
-
-    static void writeFile(const std::string& path, const std::string& content) {
-        std::filesystem::create_directories(std::filesystem::path(server().file(path)).parent_path());
-        std::ofstream(server().file(path), std::ios::binary) << content;
-    }
-
-    Outcome mirror(const std::string& directory) const {
-        return runExample("ftp_mirror",
-                          {server().host(FtpSecurity::explicitTls), server().path(directory), folder_.path()},
-                          environment());
-    }
-
-    const TempDir folder_;
-};
-
-struct ServerNames {
-    template <class Server>
-    static std::string GetName(int /*index*/) {
-        return std::is_same_v<Server, ProftpdServer> ? "Proftpd" : "Pyftpdlib";
-    }
-};
-
-using Servers = testing::Types<ProftpdServer, PyftpdlibServer>;
+class FTPMirror : public Mirror<Server> {};
 
 } // namespace
 
-TYPED_TEST_SUITE(FTPMirror, Servers, ServerNames);
+TYPED_TEST_SUITE(FTPMirror, MirrorServers, MirrorServerNames);
 
 TYPED_TEST(FTPMirror, FetchesATreeAndThenOnlyWhatHasChanged) {
-    const std::string odd = "50% #1?;type=a.txt";
+    const std::string odd = "50% #1;type=a.txt";
     const std::string unicode = "\u00dcbersicht \u65e5\u672c \U0001F680.txt";
     this->writeFile("/tree/" + odd, "odd\n");
     this->writeFile("/tree/" + unicode, "Unicode\n");

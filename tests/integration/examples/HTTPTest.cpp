@@ -3,12 +3,9 @@
 
 #include "support/Ports.h"
 #include "support/TempDir.h"
-#include "support/TinyproxyServer.h"
 #include "support/Wait.h"
 
 #include <gmock/gmock.h>
-
-#include <csignal>
 
 using namespace testsupport;
 using testing::ElementsAre;
@@ -95,7 +92,9 @@ TEST(GetWithProgress, SaysThatAFolderIsMissing) {
 }
 
 TEST(PostStream, SendsStandardInputInChunksAndPrintsTheAnswer) {
-    const std::string body(200000, 'x');
+    // What some systems take for line ends and the end of a text.
+    std::string body("\r\n\n\r\x1a\0", 6);
+    body.append(200000, 'x');
     const Outcome outcome = runExample("post_stream", {webServer().url("/echo"), "text/x-log"}, {}, body);
     EXPECT_EQ(outcome.exitStatus, 0) << outcome.error;
     EXPECT_THAT(outcome.output, HasSubstr("POST /echo HTTP/1.1\r\n"));
@@ -193,29 +192,6 @@ TEST(TransferLog, HoldsTheConversationAndNoPassword) {
     EXPECT_THAT(refused.error, HasSubstr("401"));
 }
 
-TEST(ChooseProxy, FollowsTheDesktopsSettings) {
-    const TinyproxyServer proxy;
-    const std::string address = "127.0.0.1:" + std::to_string(proxy.port());
-    const std::string url = webServer().url("/hello.txt");
-    const TempDir folder;
-    const testsupport::Environment desktop{{"GSETTINGS_BACKEND", "keyfile"},
-                                           {"XDG_CONFIG_HOME", folder.path()},
-                                           {"GSETTINGS_SCHEMA_DIR", std::nullopt},
-                                           {"XDG_DATA_DIRS", std::nullopt}};
-    const std::string port = std::to_string(proxy.port());
-    folder.writeFile("glib-2.0/settings/keyfile",
-                     "[system/proxy]\nmode='manual'\nignore-hosts=['localhost']\n[system/proxy/http]\n"
-                     "host='127.0.0.1'\nport=" +
-                         port + "\n");
-    const Outcome through = runExample("choose_proxy", {url}, desktop);
-    EXPECT_EQ(through, (Outcome{0, "through " + address + ": HTTP/1.1 200 OK\n", ""}));
-    EXPECT_EQ(withoutRunDetails(through.output),
-              withoutRunDetails(documentedOutput("docs/proxy.md", "choose_proxy")));
-    EXPECT_TRUE(proxy.waitForLog("GET " + url));
-    folder.writeFile("glib-2.0/settings/keyfile", "[system/proxy]\nmode='none'\n");
-    EXPECT_EQ(runExample("choose_proxy", {url}, desktop), (Outcome{0, "directly: HTTP/1.1 200 OK\n", ""}));
-}
-
 TEST(Examples, AreNotToldSecretsOnTheCommandLine) {
     for (const char* name : {"get_with_progress", "post_stream", "parallel_downloads", "explain_error",
                              "transfer_log", "choose_proxy", "s3_backup", "ftp_mirror", "send_mail"}) {
@@ -223,6 +199,7 @@ TEST(Examples, AreNotToldSecretsOnTheCommandLine) {
         EXPECT_EQ(outcome.exitStatus, 2) << name;
         EXPECT_EQ(outcome.output, "") << name;
         EXPECT_THAT(outcome.error, testing::StartsWith("usage: " + std::string(name) + " "));
-        EXPECT_THAT(outcome.error, testing::Not(testing::ContainsRegex("PASSWORD|SECRET|KEY"))) << name;
+        for (const char* secret : {"PASSWORD", "SECRET", "KEY"})
+            EXPECT_THAT(outcome.error, testing::Not(HasSubstr(secret))) << name;
     }
 }
