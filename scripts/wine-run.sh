@@ -12,6 +12,7 @@ if [ ! -x "$wine" ]; then
     printf '%s\n' "wine-run.sh: $wine is missing: scripts/install-deps.sh windows" >&2
     exit 1
 fi
+server=/usr/lib/wine/wineserver64
 
 export WINEPREFIX=${WINEPREFIX:-${XDG_CACHE_HOME:-$HOME/.cache}/vantra-wine} WINEARCH=win64
 export WINEDEBUG=${WINEDEBUG:--all}
@@ -28,17 +29,28 @@ make_prefix() {
         touch "$WINEPREFIX/.ready"
 }
 
-if [ ! -e "$WINEPREFIX/.ready" ]; then
-    mkdir -p "$(dirname "$WINEPREFIX")"
-    (
-        flock 9
-        if [ ! -e "$WINEPREFIX/.ready" ]; then
-            # Wine's server, which stays for a while, must not inherit the lock.
-            make_prefix >"$WINEPREFIX.log" 2>&1 </dev/null 9>&- || {
-                printf '%s\n' "wine-run.sh: the Wine prefix $WINEPREFIX could not be made, see $WINEPREFIX.log" >&2
-                exit 1
-            }
-        fi
-    ) 9>"$WINEPREFIX.lock"
-fi
+# start_session: with Wine's server and services, which stay for a while, started apart from the program: those that it
+# starts would keep its output open, and whoever reads that would wait for them. The server ends with status 2 if one
+# runs already.
+start_session() {
+    local status=0
+    mkdir -p "$WINEPREFIX"
+    "$server" -p60 || status=$?
+    if [ $status -ne 0 ] && [ $status -ne 2 ]; then return $status; fi
+    if [ ! -e "$WINEPREFIX/.ready" ]; then
+        make_prefix
+    elif [ $status -eq 0 ]; then
+        "$wine" wineboot
+    fi
+}
+
+mkdir -p "$(dirname "$WINEPREFIX")"
+(
+    flock 9
+    # Nothing that stays may inherit the lock.
+    start_session >"$WINEPREFIX.log" 2>&1 </dev/null 9>&- || {
+        printf '%s\n' "wine-run.sh: Wine could not be started in the prefix $WINEPREFIX, see $WINEPREFIX.log" >&2
+        exit 1
+    }
+) 9>"$WINEPREFIX.lock"
 exec "$wine" "$@"

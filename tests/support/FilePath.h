@@ -19,4 +19,10 @@ inline std::string nameOf(const std::filesystem::path& path) {
     return std::string(name.begin(), name.end());
 }
 
+/// A name with the separators of the system, as libraries and programs show it.
+inline std::string nativeName(std::string_view name) {
+    const std::u8string text = pathOf(name).make_preferred().u8string();
+    return std::string(text.begin(), text.end());
+}
+
 } // namespace testsupport

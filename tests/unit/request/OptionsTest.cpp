@@ -4,6 +4,8 @@
 
 #include "vantra/NetRequest.h"
 
+#include "support/FilePath.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -88,7 +90,7 @@ const SetterCase setterCases[] = {
     {"VerifyNoPeer", [](CNetRequest& r) { r.setSSLVerifyPeer(false); }, {"SSL_VERIFYPEER = 0"}},
     {"RootCertBundlePath",
      [](CNetRequest& r) { r.setRootCertBundlePath("/etc//certs/./bündel.crt"); },
-     {"CAINFO = \"/etc/certs/bündel.crt\""}},
+     {"CAINFO = \"" + testsupport::nativeName("/etc/certs/bündel.crt") + "\""}},
 
     {"HTTPAuthMethods",
      [](CNetRequest& r) {
