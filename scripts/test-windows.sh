@@ -21,7 +21,7 @@ preset=windows-x64
 tests_see_root=Z:
 
 step_deps() {
-    scripts/install-deps.sh build test windows
+    scripts/install-deps.sh build test check windows
     scripts/windows-deps.sh
 }
 
@@ -32,7 +32,7 @@ step_build() {
 
 step_tidy() {
     local sources
-    mapfile -t sources < <(git ls-files 'kel/src/windows/*.cpp' 'proxy/windows/*.cpp' 'tools/windows/*.cpp')
+    mapfile -t sources < <(tree_files 'kel/src/windows/*.cpp' 'proxy/windows/*.cpp' 'tools/windows/*.cpp')
     scripts/check-tidy.py --jobs "$CMAKE_BUILD_PARALLEL_LEVEL" "build/$preset" "${sources[@]}"
 }
 
