@@ -2,6 +2,7 @@
 
 #include "Errors.h"
 #include "FileArgument.h"
+#include "OutputFile.h"
 
 #include <CLI/CLI.hpp>
 
@@ -30,10 +31,10 @@ void CLogOption::addTo(CLI::App& verb) {
 void CLogOption::checkFor(const std::optional<kel::String>& outputName) const {
     if (!file_ || !outputName) return;
     std::error_code error; // leaves an empty path, which is of no use for the comparison
-    const fs::path log = fs::weakly_canonical(kel::CPath(*file_).toStdPath(), error);
+    const fs::path logPath = kel::CPath(*file_).toStdPath();
+    const fs::path log = fs::weakly_canonical(logPath, error);
     const fs::path output = fs::weakly_canonical(kel::CPath(*outputName).toStdPath(), error);
-    const bool isDevice = fs::exists(log, error) && !fs::is_regular_file(log, error);
-    if (!log.empty() && log == output && !isDevice)
+    if (!log.empty() && log == output && !isSpecialFile(logPath))
         throw CUsageError("--log: names the same file as --output");
 }
 

@@ -1,5 +1,7 @@
 #include "NewFile.h"
 
+#include "OutputFile.h"
+
 #include <kel/Error.h>
 
 #include <system_error>
@@ -30,7 +32,7 @@ fs::path followLinks(const CPath& path) {
         if (error) fail(path, error);
         target = target.parent_path() / next;
     }
-    if (error == std::errc::filename_too_long) fail(path, error); // rather than when all is received
+    if (const std::error_code reason = checkFileName(target)) fail(path, reason); // not when all is received
     return target;
 }
 

@@ -2,6 +2,7 @@
 
 #include "Errors.h"
 #include "NewFile.h"
+#include "OutputFile.h"
 #include "StandardFiles.h"
 #include "Terminal.h"
 
@@ -9,7 +10,6 @@
 #include <kel/Path.h>
 
 #include <cerrno>
-#include <filesystem>
 #include <system_error>
 
 namespace vantra::tool {
@@ -51,18 +51,12 @@ private:
     P<CFileOutStream> stream_;
 };
 
-bool isSpecial(const CPath& path) {
-    std::error_code error;
-    const std::filesystem::file_status status = std::filesystem::status(path.toStdPath(), error);
-    return std::filesystem::exists(status) && !std::filesystem::is_regular_file(status);
-}
-
 } // namespace
 
 std::unique_ptr<IOutput> openOutput(const std::optional<String>& name) {
     if (!name || *name == "-") return std::make_unique<CStandardOutput>();
     const CPath path(*name);
-    if (isSpecial(path)) return std::make_unique<CSpecialFile>(path);
+    if (isSpecialFile(path.toStdPath())) return std::make_unique<CSpecialFile>(path);
     return std::make_unique<CNewFile>(path);
 }
 

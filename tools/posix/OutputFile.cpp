@@ -1,0 +1,19 @@
+#include "OutputFile.h"
+
+namespace vantra::tool {
+
+namespace fs = std::filesystem;
+
+bool isSpecialFile(const fs::path& path) {
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    return fs::exists(status) && !fs::is_regular_file(status);
+}
+
+std::error_code checkFileName(const fs::path& path) {
+    std::error_code error;
+    (void)fs::symlink_status(path, error);
+    return error == std::errc::filename_too_long ? error : std::error_code();
+}
+
+} // namespace vantra::tool
