@@ -1,20 +1,19 @@
 #include "PasswordFile.h"
 
 #include "ArgumentText.h"
+#include "Input.h"
 
 #include <kel/Error.h>
-#include <kel/FileStream.h>
+#include <kel/Path.h>
 
 #include <array>
-#include <cerrno>
-#include <cstdio>
 #include <string>
-#include <system_error>
 
 namespace vantra::tool {
 
 using kel::CError;
-using kel::CFileInStream;
+using kel::CPath;
+using kel::IInStream;
 using kel::P;
 using kel::String;
 
@@ -24,23 +23,15 @@ constexpr std::size_t maxBytes = 4096;
 
 using Block = std::array<char, maxBytes + 3>; // with a line end, and one to see that there is more
 
-std::string readFile(const String& file) {
-    const P<CFileInStream> stream = new CFileInStream(file);
+std::string readBlock(const String& file) {
+    const P<IInStream> input = openInput(file);
     Block block;
     std::size_t length = 0;
     while (length < block.size()) {
-        const std::size_t count = stream->read(block.data() + length, block.size() - length);
+        const std::size_t count = input->read(block.data() + length, block.size() - length);
         if (count == 0) break;
         length += count;
     }
-    return {block.data(), length};
-}
-
-std::string readStandardInput() {
-    Block block;
-    const std::size_t length = std::fread(block.data(), 1, block.size(), stdin);
-    if (std::ferror(stdin))
-        throw CError("Error reading standard input: " + String(std::generic_category().message(errno)) + ".");
     return {block.data(), length};
 }
 
@@ -53,9 +44,8 @@ void dropLineEnd(std::string& line) {
 } // namespace
 
 String readPasswordFile(const String& file) {
-    const bool isStandardInput = file == "-";
-    const String shownName = isStandardInput ? String("standard input") : "'" + file + "'";
-    std::string bytes = isStandardInput ? readStandardInput() : readFile(file);
+    const String shownName = file == "-" ? String("standard input") : "'" + CPath(file).getText() + "'";
+    std::string bytes = readBlock(file);
     dropLineEnd(bytes);
     if (bytes.size() > maxBytes) throw CError("The password in " + shownName + " is longer than 4096 bytes.");
     String password;
