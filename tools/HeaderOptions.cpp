@@ -6,6 +6,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <kel/Path.h>
+
 #include <algorithm>
 #include <sstream>
 #include <string>
@@ -13,6 +15,7 @@
 namespace vantra::tool {
 
 using kel::CError;
+using kel::CPath;
 using kel::P;
 using kel::String;
 using kel::TBuffer;
@@ -39,7 +42,7 @@ void appendFromFile(std::vector<HeaderArgument>& headers, const String& file) {
         try {
             headers.push_back(parseHeaderArgument("--header-file", line));
         } catch (const CUsageError&) { // which may show the line
-            throw CError("Line " + String::fromInt(number) + " of '" + file +
+            throw CError("Line " + String::fromInt(number) + " of '" + CPath(file).getText() +
                          "' is not a header as in 'Name: value'.");
         }
     }

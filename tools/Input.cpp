@@ -5,6 +5,7 @@
 #include <kel/Base.h>
 #include <kel/Error.h>
 #include <kel/FileStream.h>
+#include <kel/Path.h>
 
 #include <algorithm>
 #include <array>
@@ -15,6 +16,7 @@ namespace vantra::tool {
 using kel::CBase;
 using kel::CError;
 using kel::CFileInStream;
+using kel::CPath;
 using kel::IInStream;
 using kel::int64;
 using kel::P;
@@ -26,7 +28,7 @@ namespace {
 class CInputFile : public CBase, public IInStream {
 public:
     explicit CInputFile(const String& name)
-        : name_(name), stream_(new CFileInStream(name)), size_(settleSize()) {}
+        : path_(name), stream_(new CFileInStream(path_)), size_(settleSize()) {}
 
     std::size_t read(void* buffer, std::size_t maxLength) override {
         if (size_ == -1) return stream_->read(buffer, maxLength);
@@ -34,7 +36,8 @@ public:
         const std::size_t wanted = std::min(maxLength, left);
         const std::size_t count = stream_->read(buffer, wanted);
         if (count == 0 && wanted != 0)
-            throw CError("Error reading file '" + name_ + "': it became shorter while it was read.");
+            throw CError("Error reading file '" + path_.getText() +
+                         "': it became shorter while it was read.");
         return count;
     }
 
@@ -52,7 +55,7 @@ private:
         return -1;
     }
 
-    String name_;
+    CPath path_;
     P<CFileInStream> stream_;
     int64 size_;
 };
@@ -92,7 +95,7 @@ P<TBuffer<unsigned char>> readInput(const String& name, std::size_t maxLength) {
     P<TBuffer<unsigned char>> content = new TBuffer<unsigned char>();
     const auto refuseIf = [&](bool isTooLarge) {
         if (isTooLarge)
-            throw CError("'" + name + "' is larger than " + String::fromUInt(maxLength) +
+            throw CError("'" + CPath(name).getText() + "' is larger than " + String::fromUInt(maxLength) +
                          " bytes, the most that can be sent.");
     };
     if (input->getSize() > 0) {

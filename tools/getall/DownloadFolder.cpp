@@ -21,7 +21,8 @@ namespace fs = std::filesystem;
 
 CDownloadFolder::CDownloadFolder(const String& name) : name_(name) {
     try {
-        const CTemporaryFile probe(CPath(name_).toStdPath(), name_);
+        const CPath folder(name_);
+        const CTemporaryFile probe(folder.toStdPath(), folder.isEmpty() ? name_ : folder.getText());
     } catch (const CError& error) {
         throw CError(error.getMessage().replaceAll("creating file '", "creating a file in folder '"));
     }

@@ -62,7 +62,8 @@ P<CMimeMessage> makeText(const String& file, const String& contentType) {
     const P<TBuffer<unsigned char>> bytes = readInput(file);
     String text;
     if (!String::tryFromUTF8(viewOf(*bytes), text))
-        throw CError("The text in " + (file == "-" ? String("standard input") : "'" + file + "'") +
+        throw CError("The text in " +
+                     (file == "-" ? String("standard input") : "'" + CPath(file).getText() + "'") +
                      " is not valid UTF-8.");
     P<CMimeMessage> part = new CMimeMessage(contentType + "; charset=utf-8");
     part->setBody(encodeQuotedPrintable(*withMailLineEnds(viewOf(*bytes))), "quoted-printable");
