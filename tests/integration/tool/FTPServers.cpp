@@ -1,13 +1,9 @@
 #include "FTPServers.h"
 
-#include "support/FilePath.h"
 #include "support/ProftpdServer.h"
 #include "support/PyftpdlibServer.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <stdexcept>
 
 using testsupport::FtpSecurity;
 using testsupport::FtpServer;
@@ -26,7 +22,7 @@ std::string testFolder() {
 
 ToolFtp::ToolFtp()
     : folder_(testFolder()), passwordFile_(local_.writeFile("password", FtpServer::password() + "\n")) {
-    std::filesystem::create_directories(testsupport::pathOf(fileAt("")));
+    testsupport::makeServerFolder(fileAt(""));
 }
 
 Outcome ToolFtp::runFtp(std::vector<std::string> arguments, std::string_view standardInput) const {
@@ -53,12 +49,9 @@ std::string ToolFtp::urlFromLogin(std::string_view path) const {
 std::string ToolFtp::url(std::string_view path) const { return serverUrl(folder_ + std::string(path)); }
 
 void ToolFtp::writeFile(std::string_view path, std::string_view content) const {
-    const std::filesystem::path file = testsupport::pathOf(fileAt(path));
-    std::filesystem::create_directories(file.parent_path());
-    std::ofstream stream(file, std::ios::binary | std::ios::trunc);
-    stream << content;
-    stream.close();
-    if (!stream) throw std::runtime_error("cannot write " + fileAt(path));
+    const std::string file = fileAt(path);
+    testsupport::makeServerFolder(file.substr(0, file.rfind('/')));
+    testsupport::writeServerFile(file, content);
 }
 
 namespace {

@@ -4,6 +4,7 @@
 #include "Tool.h"
 
 #include "support/FtpServer.h"
+#include "support/ServerFile.h"
 #include "support/TempDir.h"
 
 #include <gtest/gtest.h>
@@ -41,10 +42,10 @@ protected:
     static std::string serverUrl(std::string_view path);
     /// As url(), counted from the directory of the login.
     std::string urlFromLogin(std::string_view path) const;
-    /// The same files in the server's file system.
+    /// The same files in the server's file system; see support/ServerFile.h.
     std::string fileAt(std::string_view path) const { return server().file(folder_ + std::string(path)); }
     void writeFile(std::string_view path, std::string_view content) const;
-    std::string readFile(std::string_view path) const { return testsupport::readWholeFile(fileAt(path)); }
+    std::string readFile(std::string_view path) const { return testsupport::readServerFile(fileAt(path)); }
 
     testsupport::TempDir local_;
 

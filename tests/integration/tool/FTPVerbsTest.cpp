@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include <chrono>
-#include <filesystem>
 #include <sstream>
 
 using namespace testsupport;
@@ -28,7 +27,7 @@ std::vector<std::string> linesOf(const std::string& output) {
 void setTime(const std::string& file) {
     const std::chrono::sys_seconds time = std::chrono::sys_days{std::chrono::year{2019} / 4 / 1} +
                                           std::chrono::hours(12) + std::chrono::minutes(30);
-    std::filesystem::last_write_time(file, std::chrono::file_clock::from_sys(time));
+    setServerFileTime(file, time);
 }
 
 /// Expects a failure that is told in one line, which begins with the URL.
@@ -103,7 +102,7 @@ TEST_P(ToolFtp, StoresAFile) {
 TEST_P(ToolFtp, StoresAFileInMissingDirectoriesOnlyIfToldTo) {
     const std::string file = local_.writeFile("file", "content");
     EXPECT_EQ(runFtp({"put", url("/a/b/f"), file}).exitStatus, 1);
-    EXPECT_THAT(filesIn(fileAt("")), IsEmpty());
+    EXPECT_THAT(namesInServerFolder(fileAt("")), IsEmpty());
     EXPECT_EQ(runFtp({"put", "--create-dirs", url("/a/b/f"), file}), succeeded(""));
     EXPECT_EQ(readFile("/a/b/f"), "content");
     for (const char* way : {"steps", "direct", "none"}) {
@@ -115,9 +114,9 @@ TEST_P(ToolFtp, StoresAFileInMissingDirectoriesOnlyIfToldTo) {
 TEST_P(ToolFtp, FailsToStoreWithoutPermissionOrWithoutAFile) {
     const std::string file = local_.writeFile("file", "content");
     EXPECT_EQ(runFtp({"put", serverUrl("/readonly/new"), file}).exitStatus, 1);
-    EXPECT_THAT(filesIn(server().file("/readonly")), ElementsAre("kept.txt"));
+    EXPECT_THAT(namesInServerFolder(server().file("/readonly")), ElementsAre("kept.txt"));
     EXPECT_EQ(runFtp({"put", url("/f"), local_.file("none")}),
-              failed("Error opening file '" + local_.file("none") + "': No such file or directory."));
+              failed("Error opening file '" + shown(local_.file("none")) + "': No such file or directory."));
 }
 
 TEST_P(ToolFtp, CreatesAndRemovesDirectories) {
@@ -126,17 +125,17 @@ TEST_P(ToolFtp, CreatesAndRemovesDirectories) {
     expectFailure(runFtp({"mkdir", url("/a")}), url("/a"), "550 ");
     expectFailure(runFtp({"mkdir", url("/c/d")}), url("/c/d"), "550 ");
     EXPECT_EQ(runFtp({"mkdir", "--create-dirs", url("/c/d")}), succeeded(""));
-    EXPECT_THAT(filesIn(fileAt("")), ElementsAre("a", "b", "c"));
+    EXPECT_THAT(namesInServerFolder(fileAt("")), ElementsAre("a", "b", "c"));
     expectFailure(runFtp({"rmdir", url("/c")}), url("/c"), "550 ");
     EXPECT_EQ(runFtp({"rmdir", url("/c/d")}), succeeded(""));
     EXPECT_EQ(runFtp({"rmdir", url("/c/")}), succeeded(""));
-    EXPECT_THAT(filesIn(fileAt("")), ElementsAre("a", "b"));
+    EXPECT_THAT(namesInServerFolder(fileAt("")), ElementsAre("a", "b"));
 }
 
 TEST_P(ToolFtp, DeletesAFile) {
     writeFile("/f", "content");
     EXPECT_EQ(runFtp({"rm", url("/f")}), succeeded(""));
-    EXPECT_THAT(filesIn(fileAt("")), IsEmpty());
+    EXPECT_THAT(namesInServerFolder(fileAt("")), IsEmpty());
     expectFailure(runFtp({"rm", url("/f")}), url("/f"), "550 ");
     expectFailure(runFtp({"rm", serverUrl("/readonly/kept.txt")}), serverUrl("/readonly/kept.txt"), "550 ");
     EXPECT_EQ(readWholeFile(server().file("/readonly/kept.txt")), "kept\n");
@@ -147,13 +146,13 @@ TEST_P(ToolFtp, MovesFilesAndDirectories) {
     writeFile("/d/g", "more");
     EXPECT_EQ(runFtp({"mv", url("/f"), url("/d/f")}), succeeded(""));
     EXPECT_EQ(runFtp({"mv", url("/d/"), url("/e/")}), succeeded(""));
-    EXPECT_THAT(filesIn(fileAt("")), ElementsAre("e"));
+    EXPECT_THAT(namesInServerFolder(fileAt("")), ElementsAre("e"));
     expectFailure(runFtp({"mv", url("/e/f"), url("/x/f")}), url("/e/f"), "550 ");
     EXPECT_EQ(runFtp({"mv", "--create-dirs", url("/e/f"), url("/x/y/f")}), succeeded(""));
     EXPECT_EQ(runFtp({"mv", "--create-dirs", url("/e"), url("/x/z/e")}), succeeded(""));
-    EXPECT_THAT(filesIn(fileAt("")), ElementsAre("x"));
+    EXPECT_THAT(namesInServerFolder(fileAt("")), ElementsAre("x"));
     EXPECT_EQ(readFile("/x/y/f"), "content");
-    EXPECT_THAT(filesIn(fileAt("/x/z/e")), ElementsAre("g"));
+    EXPECT_THAT(namesInServerFolder(fileAt("/x/z/e")), ElementsAre("g"));
     EXPECT_EQ(readFile("/x/z/e/g"), "more");
 }
 
@@ -168,12 +167,12 @@ TEST_P(ToolFtp, RemovesATreeOnceTheUserHasAgreed) {
               (Outcome{1, "", question + "vantra: " + url("/tree") + ": nothing was removed.\n"}));
     EXPECT_EQ(runFtp({"rmtree", url("/tree")}),
               (Outcome{1, "", question + "\nvantra: " + url("/tree") + ": nothing was removed.\n"}));
-    EXPECT_THAT(filesIn(fileAt("")), ElementsAre("tree"));
+    EXPECT_THAT(namesInServerFolder(fileAt("")), ElementsAre("tree"));
     EXPECT_EQ(runFtp({"rmtree", url("/tree")}, "y\n"), (Outcome{0, "", question}));
-    EXPECT_THAT(filesIn(fileAt("")), IsEmpty());
+    EXPECT_THAT(namesInServerFolder(fileAt("")), IsEmpty());
     makeTree();
     EXPECT_EQ(runFtp({"rmtree", "--yes", url("/tree/")}), succeeded(""));
-    EXPECT_THAT(filesIn(fileAt("")), IsEmpty());
+    EXPECT_THAT(namesInServerFolder(fileAt("")), IsEmpty());
 }
 
 TEST_P(ToolFtp, CountsPathsFromTheDirectoryOfTheLogin) {
@@ -184,17 +183,17 @@ TEST_P(ToolFtp, CountsPathsFromTheDirectoryOfTheLogin) {
     EXPECT_EQ(runFtp({"mv", urlFromLogin("/d/f"), urlFromLogin("/e/g")}), succeeded(""));
     EXPECT_EQ(readFile("/e/g"), "content");
     EXPECT_EQ(runFtp({"rmdir", urlFromLogin("/d")}), succeeded(""));
-    EXPECT_FALSE(std::filesystem::exists(fileAt("/d")));
+    EXPECT_FALSE(existsOnServer(fileAt("/d")));
     EXPECT_EQ(runFtp({"mkdir", "--create-dirs", urlFromLogin("/h/i")}), succeeded(""));
     EXPECT_EQ(runFtp({"mv", "--create-dirs", urlFromLogin("/e/g"), urlFromLogin("/h/j/k")}), succeeded(""));
     EXPECT_EQ(readFile("/h/j/k"), "content");
     EXPECT_EQ(runFtp({"mv", "--create-dirs", urlFromLogin("/h"), urlFromLogin("/l/m")}), succeeded(""));
     EXPECT_EQ(readFile("/l/m/j/k"), "content");
     EXPECT_EQ(runFtp({"rm", urlFromLogin("/l/m/j/k")}), succeeded(""));
-    EXPECT_FALSE(std::filesystem::exists(fileAt("/l/m/j/k")));
+    EXPECT_FALSE(existsOnServer(fileAt("/l/m/j/k")));
     writeFile("/l/n", "");
     EXPECT_EQ(runFtp({"rmtree", "--yes", urlFromLogin("/l")}), succeeded(""));
-    EXPECT_FALSE(std::filesystem::exists(fileAt("/l")));
+    EXPECT_FALSE(existsOnServer(fileAt("/l")));
 }
 
 TEST_P(ToolFtp, TakesNamesThatURLsEncode) {
@@ -211,7 +210,7 @@ TEST_P(ToolFtp, TakesNamesThatURLsEncode) {
     EXPECT_EQ(runFtp({"rmdir", url("/new" + name)}), succeeded(""));
     EXPECT_EQ(runFtp({"mkdir", "--create-dirs", url(name + "/b" + name)}), succeeded(""));
     EXPECT_EQ(runFtp({"rmtree", "--yes", url(name)}), succeeded(""));
-    EXPECT_THAT(filesIn(fileAt("")), ElementsAre("new"));
+    EXPECT_THAT(namesInServerFolder(fileAt("")), ElementsAre("new"));
 }
 
 TEST_P(ToolFtp, TellsThatTheLoginIsRefused) {

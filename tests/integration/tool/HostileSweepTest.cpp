@@ -1,4 +1,5 @@
 // What no verb may stumble over, whatever it is for.
+#include "System.h"
 #include "VerbTable.h"
 
 #include <gmock/gmock.h>
@@ -13,7 +14,7 @@ using Arguments = std::vector<std::string>;
 
 const std::vector<std::string>& hostileTexts() {
     static const std::vector<std::string> texts{"",
-                                                std::string(100000, 'a'),
+                                                std::string(longArgumentLength(), 'a'),
                                                 "\x1B]0;title\x07\r\n\x1B[2J",
                                                 "\xFF\xFE",
                                                 "-1",

@@ -1,7 +1,9 @@
 // What the verbs write with --json; a parser that nobody here wrote reads it.
 #include "MailTool.h"
+#include "System.h"
 #include "VerbTable.h"
 
+#include "support/MatchesPattern.h"
 #include "support/ScriptedFtpServer.h"
 #include "support/ScriptedServer.h"
 #include "support/TempDir.h"
@@ -9,6 +11,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <regex>
 
 using namespace testsupport;
 using namespace tooltest;
@@ -40,6 +43,11 @@ Outcome runJSON(std::vector<std::string> arguments, std::string_view standardInp
     return outcome;
 }
 
+/// A file's path as the program shows it, in a text of JSON.
+std::string shownInJSON(const std::string& path) {
+    return std::regex_replace(shown(path), std::regex("\\\\"), "\\\\");
+}
+
 std::string size(const std::string& text) { return std::to_string(text.size()); }
 
 } // namespace
@@ -59,7 +67,7 @@ TEST(ToolJSON, TellsTheHeadersByTheirNames) {
     ScriptedServer server;
     server.play(Script().expectRequest().send("HTTP/1.1 200 OK\r\nX-Odd: \"a\\b\"\t\xC3\xBC\r\nx-odd: c\r\n"
                                               "Content-Length: 0\r\n\r\n"));
-    const Outcome outcome = runTool({"get", "--json", "-o", "/dev/null", server.url()});
+    const Outcome outcome = runTool({"get", "--json", "-o", nullDevice(), server.url()});
     EXPECT_THAT(
         outcome.output,
         HasSubstr("\"headers\":{\"content-length\":\"0\",\"x-odd\":\"\\\"a\\\\b\\\"\\t\xC3\xBC,c\"}"));
@@ -75,7 +83,7 @@ TEST(ToolJSON, HidesThePasswordOfARedirect) {
                           "/next\r\nContent-Length: 0\r\n\r\n")
                     .expectRequest()
                     .send(okResponse("")));
-    const Outcome outcome = runTool({"get", "--json", "-o", "/dev/null", server.url()});
+    const Outcome outcome = runTool({"get", "--json", "-o", nullDevice(), server.url()});
     EXPECT_EQ(outcome.exitStatus, 0);
     EXPECT_THAT(outcome.output, HasSubstr(host + "/next\""));
     EXPECT_THAT(outcome.output, testing::Not(HasSubstr("hunter2")));
@@ -123,7 +131,7 @@ TEST(ToolJSON, HasALineForEachOfManyDownloads) {
     EXPECT_EQ(outcome.exitStatus, 1);
     EXPECT_THAT(outcome.output,
                 testing::StartsWith("{\"finalUrl\": \"" + good + "\", \"output\": \"" +
-                                    folder.file("hello.txt") +
+                                    shownInJSON(folder.file("hello.txt")) +
                                     "\", \"received\": " + size(NginxServer::helloContent()) +
                                     ", \"sent\": 0, \"status\": 200, \"url\": \"" + good +
                                     "\"}\n{\"error\": \"" + bad + ": HTTP/1.1 404 Not Found"));
@@ -167,10 +175,9 @@ TEST(ToolJSON, TellsOfAMailServer) {
     const SmtpPorts& ports = mailServer().ports();
     const Outcome outcome = runJSON({"mail", "test", "--server", serverAt(ports.plain), "--tls", "none"});
     EXPECT_EQ(outcome.exitStatus, 0);
-    EXPECT_THAT(outcome.output,
-                testing::MatchesRegex("\\{\"extensions\": \\[\".*\"\\], \"greeting\": \".+\", "
-                                      "\"loggedInAs\": null, \"server\": \"smtp://" +
-                                      serverAt(ports.plain) + "/?\"\\}\n"));
+    EXPECT_THAT(outcome.output, MatchesPattern("\\{\"extensions\": \\[\".*\"\\], \"greeting\": \".+\", "
+                                               "\"loggedInAs\": null, \"server\": \"smtp://" +
+                                               serverAt(ports.plain) + "/?\"\\}\n"));
 }
 
 TEST(ToolJSON, TellsOfAMail) {
@@ -178,8 +185,7 @@ TEST(ToolJSON, TellsOfAMail) {
     const Outcome outcome = sendMail({"--json", "--text", folder.writeFile("text", "hi\n")});
     EXPECT_EQ(outcome.exitStatus, 0);
     const std::string shown = normalize(outcome.output);
-    EXPECT_THAT(shown,
-                testing::MatchesRegex("\\{\"from\": \"jane@example.org\", \"messageId\": "
+    EXPECT_THAT(shown, MatchesPattern("\\{\"from\": \"jane@example.org\", \"messageId\": "
                                       "\"<[0-9a-f]{32}@example.org>\", \"received\": 0, \"sent\": [0-9]+, "
                                       "\"server\": \"smtp://.*\", \"status\": 250, \"to\": "
                                       "\\[\"joe@example.org\"\\]\\}\n"));

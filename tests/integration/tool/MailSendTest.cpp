@@ -187,7 +187,8 @@ TEST_F(ToolMail, SaysThatThereIsNoServer) {
 TEST_F(ToolMail, SendsNothingOfWhatItCannotRead) {
     const std::string text = file("text", "x\n");
     const std::string missing = folder_.file("missing");
-    const Outcome noSuchFile = failed("Error opening file '" + missing + "': No such file or directory.");
+    const Outcome noSuchFile =
+        failed("Error opening file '" + shown(missing) + "': No such file or directory.");
     EXPECT_EQ(sendMail({"--text", missing}), noSuchFile);
     EXPECT_EQ(sendMail({"--html", missing}), noSuchFile);
     EXPECT_EQ(sendMail({"--text", text, "--attach", text, missing}), noSuchFile);
@@ -195,7 +196,8 @@ TEST_F(ToolMail, SendsNothingOfWhatItCannotRead) {
     EXPECT_EQ(sendMail({"--text", text, "--user", "u", "--password-file", missing}), noSuchFile);
     const std::string latin1 = file("latin1", "Gr\xFC\xDF"
                                               "e");
-    EXPECT_EQ(sendMail({"--text", latin1}), failed("The text in '" + latin1 + "' is not valid UTF-8."));
+    EXPECT_EQ(sendMail({"--text", latin1}),
+              failed("The text in '" + shown(latin1) + "' is not valid UTF-8."));
     EXPECT_EQ(sendMail({"--html", "-"}, "\xFF"), failed("The text in standard input is not valid UTF-8."));
     EXPECT_THAT(mailServer().takeMails(), IsEmpty());
 }

@@ -1,4 +1,5 @@
 #include "MailTool.h"
+#include "System.h"
 
 #include <gmock/gmock.h>
 
@@ -12,9 +13,9 @@ namespace {
 /// Nobody listens on the server's port.
 Outcome sendWith(const std::string& option, const std::string& value) {
     std::vector<std::string> arguments{"mail", "send", option, value};
-    const std::pair<const char*, const char*> others[] = {
+    const std::pair<const char*, std::string> others[] = {
         {"--server", "127.0.0.1:1"}, {"--tls", "none"},  {"--from", "jane@example.org"},
-        {"--to", "joe@example.org"}, {"--subject", "x"}, {"--text", "/dev/null"}};
+        {"--to", "joe@example.org"}, {"--subject", "x"}, {"--text", nullDevice()}};
     for (const auto& [name, other] : others)
         if (name != option) arguments.insert(arguments.end(), {name, other});
     return runTool(arguments);
@@ -53,8 +54,9 @@ TEST(ToolMailUsage, NeedsAVerb) {
 }
 
 TEST(ToolMailUsage, NeedsEverythingThatMakesAMail) {
-    const std::vector<std::string> all{"--server", "127.0.0.1:1", "--tls",     "none", "--from", "a@b.c",
-                                       "--to",     "d@e.f",       "--subject", "x",    "--text", "/dev/null"};
+    const std::vector<std::string> all{"--server",  "127.0.0.1:1", "--tls",  "none",
+                                       "--from",    "a@b.c",       "--to",   "d@e.f",
+                                       "--subject", "x",           "--text", nullDevice()};
     for (std::size_t left = 0; left + 2 < all.size(); left += 2) {
         std::vector<std::string> arguments{"mail", "send"};
         for (std::size_t i = 0; i < all.size(); ++i)
@@ -86,8 +88,6 @@ TEST(ToolMailUsage, RefusesAddressesThatAreNone) {
         EXPECT_EQ(sendWith("--from", text), refused("--from" + message));
         EXPECT_EQ(sendWith("--to", text), refused("--to" + message));
     }
-    EXPECT_EQ(sendWith("--to", "\xFF@b.c"), refused("--to: is not valid UTF-8"));
-    EXPECT_EQ(sendWith("--subject", "\xFF"), refused("--subject: is not valid UTF-8"));
 }
 
 TEST(ToolMailUsage, RefusesServersThatAreNone) {

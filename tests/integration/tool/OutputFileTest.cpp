@@ -1,6 +1,7 @@
 #include "Tool.h"
 
 #include "support/ChildProcess.h"
+#include "support/MatchesPattern.h"
 #include "support/NginxServer.h"
 #include "support/ScriptedServer.h"
 #include "support/TempDir.h"
@@ -8,15 +9,12 @@
 
 #include <gmock/gmock.h>
 
-#include <filesystem>
+#include <system_error>
 
 using namespace testsupport;
 using namespace tooltest;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::MatchesRegex;
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -87,7 +85,7 @@ TEST(ToolOutputFile, IsMadeInTheCurrentFolderForANameAlone) {
 TEST(ToolOutputFile, AppearsWhenItIsComplete) {
     HeldDownload download;
     ASSERT_NO_FATAL_FAILURE(download.start([](Script script) { return script.send("done"); }));
-    EXPECT_THAT(filesIn(download.folder().path()), ElementsAre(MatchesRegex(temporaryName)));
+    EXPECT_THAT(filesIn(download.folder().path()), ElementsAre(MatchesPattern(temporaryName)));
     EXPECT_EQ(download.finish(), 0);
     EXPECT_EQ(download.output(), "");
     EXPECT_EQ(download.folder().readFile("out"), "halfdone");
@@ -98,7 +96,7 @@ TEST(ToolOutputFile, ReplacesAnExistingOneInOneStep) {
     HeldDownload download;
     download.writeExisting("old content");
     ASSERT_NO_FATAL_FAILURE(download.start([](Script script) { return script.send("done"); }));
-    EXPECT_THAT(filesIn(download.folder().path()), ElementsAre(MatchesRegex(temporaryName), "out"));
+    EXPECT_THAT(filesIn(download.folder().path()), ElementsAre(MatchesPattern(temporaryName), "out"));
     EXPECT_EQ(download.folder().readFile("out"), "old content");
     EXPECT_EQ(download.finish(), 0);
     EXPECT_EQ(download.folder().readFile("out"), "halfdone");
@@ -109,10 +107,10 @@ TEST(ToolOutputFile, IsNotThereAfterAFailure) {
     HeldDownload download;
     ASSERT_NO_FATAL_FAILURE(download.start([](Script script) { return script.reset(); }));
     EXPECT_EQ(download.finish(), 1);
-    EXPECT_EQ(download.output(),
-              "vantra: " + download.url() +
-                  ": Failure when receiving data from the peer: Recv failure: Connection reset "
-                  "by peer (response code: http 200)\n");
+    std::vector<std::string> expected;
+    for (const std::string& message : messagesOfReset(download.url(), 4))
+        expected.push_back(failed(message).error);
+    EXPECT_THAT(expected, testing::Contains(download.output()));
     EXPECT_THAT(filesIn(download.folder().path()), IsEmpty());
 }
 
@@ -125,88 +123,25 @@ TEST(ToolOutputFile, StaysAsItWasAfterAFailure) {
     EXPECT_THAT(filesIn(download.folder().path()), ElementsAre("out"));
 }
 
-TEST(ToolOutputFile, KeepsThePermissionsOfAnExistingOne) {
-    NginxServer& server = webServer();
-    TempDir folder;
-    const fs::perms secret = fs::perms::owner_read | fs::perms::owner_write;
-    fs::permissions(folder.writeFile("out", "old"), secret);
-    EXPECT_EQ(runTool({"get", "-o", folder.file("out"), server.url("/hello.txt")}), succeeded(""));
-    EXPECT_EQ(folder.readFile("out"), NginxServer::helloContent());
-    EXPECT_EQ(fs::status(folder.file("out")).permissions(), secret);
-}
-
-TEST(ToolOutputFile, HasThePermissionsThatTheUserWantsForNewOnes) {
-    NginxServer& server = webServer();
-    TempDir folder;
-    EXPECT_EQ(runScript("umask 027; \"$TOOL\" get -o \"$1\" \"$2\"",
-                        {folder.file("out"), server.url("/hello.txt")}),
-              succeeded(""));
-    EXPECT_EQ(fs::status(folder.file("out")).permissions(),
-              fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
-}
-
-TEST(ToolOutputFile, IsTheOneThatALinkNames) {
-    NginxServer& server = webServer();
-    TempDir folder;
-    folder.writeFile("data/real", "old");
-    fs::create_symlink("data/real", folder.file("link"));
-    fs::create_symlink(folder.file("data/new"), folder.file("dangling"));
-    EXPECT_EQ(runTool({"get", "-o", folder.file("link"), server.url("/hello.txt")}), succeeded(""));
-    EXPECT_EQ(runTool({"get", "-o", folder.file("dangling"), server.url("/hello.txt")}), succeeded(""));
-    EXPECT_TRUE(fs::is_symlink(folder.file("link")));
-    EXPECT_TRUE(fs::is_symlink(folder.file("dangling")));
-    EXPECT_EQ(folder.readFile("data/real"), NginxServer::helloContent());
-    EXPECT_EQ(folder.readFile("data/new"), NginxServer::helloContent());
-}
-
-TEST(ToolOutputFile, IsRefusedWhenItsLinksGoInACircle) {
-    TempDir folder;
-    fs::create_symlink("two", folder.file("one"));
-    fs::create_symlink("one", folder.file("two"));
-    EXPECT_EQ(runTool({"get", "-o", folder.file("one"), "http://127.0.0.1:1/"}),
-              failed("Error creating file '" + folder.file("one") + "': Too many levels of symbolic links."));
-}
-
 TEST(ToolOutputFile, IsRefusedBeforeTheTransferWhenItCannotBeMade) {
     ScriptedServer server; // would note a connection as an error
     TempDir folder;
     EXPECT_EQ(runTool({"get", "-o", folder.file("missing/out"), server.url()}),
-              failed("Error creating file '" + folder.file("missing/out") + "': No such file or directory."));
+              failed("Error creating file '" + shown(folder.file("missing/out")) +
+                     "': No such file or directory."));
     EXPECT_EQ(runTool({"get", "-o", folder.path(), server.url()}),
-              failed("Error creating file '" + folder.path() + "': Is a directory."));
+              failed("Error creating file '" + shown(folder.path()) + "': Is a directory."));
     EXPECT_THAT(server.finish(), IsEmpty());
     EXPECT_THAT(filesIn(folder.path()), IsEmpty());
-}
-
-TEST(ToolOutputFile, IsWrittenDirectlyWhenItIsADevice) {
-    NginxServer& server = webServer();
-    EXPECT_EQ(runTool({"get", "-o", "/dev/null", server.url("/big.bin")}), succeeded(""));
-    EXPECT_TRUE(fs::is_character_file("/dev/null"));
-    EXPECT_EQ(runTool({"get", "-o", "/dev/stdout", server.url("/hello.txt")}),
-              succeeded(NginxServer::helloContent()));
-    EXPECT_EQ(runTool({"get", "-o", "/dev/full", server.url("/big.bin")}),
-              failed("Error writing file '/dev/full': No space left on device."));
-    EXPECT_TRUE(fs::is_character_file("/dev/full"));
-}
-
-TEST(ToolOutputFile, IsGivenUpWhenItCannotBeWritten) {
-    NginxServer& server = webServer();
-    TempDir folder;
-    folder.writeFile("out", "old");
-    // A limit on the size of files is the nearest thing to a full disk that a test can have.
-    EXPECT_EQ(runScript("trap '' XFSZ; ulimit -f 64; \"$TOOL\" get -o \"$1\" \"$2\"",
-                        {folder.file("out"), server.url("/big.bin")}),
-              failed("Error writing file '" + folder.file("out") + "': File too large."));
-    EXPECT_EQ(folder.readFile("out"), "old");
-    EXPECT_THAT(filesIn(folder.path()), ElementsAre("out"));
 }
 
 TEST(ToolOutputFile, WhoseNameIsTooLongIsRefusedBeforeTheTransfer) {
     ScriptedServer server; // would note a connection as an error
     TempDir folder;
     const std::string file = folder.file(std::string(300, 'a'));
+    const std::string reason = std::make_error_code(std::errc::filename_too_long).message();
     EXPECT_EQ(runTool({"get", "-o", file, server.url()}),
-              failed("Error creating file '" + file + "': File name too long."));
+              failed("Error creating file '" + shown(file) + "': " + reason + "."));
     EXPECT_THAT(filesIn(folder.path()), IsEmpty());
     EXPECT_THAT(server.finish(), IsEmpty());
 }

@@ -1,5 +1,7 @@
 #include "S3Tool.h"
+#include "System.h"
 
+#include "support/MatchesPattern.h"
 #include "support/Ports.h"
 #include "support/ScriptedServer.h"
 
@@ -10,7 +12,6 @@ using namespace tooltest;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::IsEmpty;
-using testing::MatchesRegex;
 using testing::StartsWith;
 
 namespace {
@@ -19,7 +20,7 @@ const std::vector<std::vector<std::string>>& getVerbs() {
     static const std::vector<std::vector<std::string>> verbs = {
         {"ls", "s3://bucket"},
         {"get", "s3://bucket/k"},
-        {"put", "s3://bucket/k", "-f", "/dev/null"},
+        {"put", "s3://bucket/k", "-f", nullDevice()},
         {"head", "s3://bucket/k"},
         {"cp", "s3://bucket/k", "s3://bucket/l"},
         {"rm", "s3://bucket/k"},
@@ -55,7 +56,7 @@ TEST(ToolS3Failure, OfAWrongSecretHasTheStoresCodeAndMessage) {
         const bool isHead = verb[0] == "head" || verb[0] == "exists"; // whose answers have no body
         const std::string expected =
             isHead ? "HTTP/1.1 403 Forbidden\n" : "Amazon S3 error: .*\\(SignatureDoesNotMatch\\)\n";
-        EXPECT_THAT(outcome.error, MatchesRegex("vantra: " + verb[1] + ": " + expected)) << verb[0];
+        EXPECT_THAT(outcome.error, MatchesPattern("vantra: " + verb[1] + ": " + expected)) << verb[0];
     }
 }
 
@@ -66,7 +67,8 @@ TEST(ToolS3Failure, OfAUserWithoutRightsIsTheStoresOwn) {
         runTool({"s3", "ls", "s3://bucket", "--endpoint", objectStore().url(), "--access-key",
                  S3Server::otherAccessKey(), "--secret-key-file", secret});
     EXPECT_EQ(outcome.exitStatus, 1);
-    EXPECT_THAT(outcome.error, MatchesRegex("vantra: s3://bucket: Amazon S3 error: .*\\(AccessDenied\\)\n"));
+    EXPECT_THAT(outcome.error,
+                MatchesPattern("vantra: s3://bucket: Amazon S3 error: .*\\(AccessDenied\\)\n"));
 }
 
 TEST(ToolS3Failure, OfAnUnknownBucketIsTheStoresOwn) {
@@ -75,7 +77,7 @@ TEST(ToolS3Failure, OfAnUnknownBucketIsTheStoresOwn) {
         const Outcome outcome = runS3(verb);
         EXPECT_EQ(outcome.exitStatus, 1);
         EXPECT_THAT(outcome.error,
-                    MatchesRegex("vantra: " + verb[1] + ": Amazon S3 error: .*\\(NoSuchBucket\\)\n"));
+                    MatchesPattern("vantra: " + verb[1] + ": Amazon S3 error: .*\\(NoSuchBucket\\)\n"));
     }
 }
 
@@ -95,9 +97,9 @@ TEST(ToolS3Failure, OfAFileThatCannotBeReadComesAheadOfAnyRequest) {
     const RefusedPort port;
     const std::string endpoint = "http://127.0.0.1:" + std::to_string(port.port());
     EXPECT_EQ(runS3At(endpoint, {"put", "s3://bucket/k", "-f", "/no/such/file"}),
-              failed("Error opening file '/no/such/file': No such file or directory."));
+              failed("Error opening file '" + shown("/no/such/file") + "': No such file or directory."));
     EXPECT_EQ(runTool({"s3", "ls", "s3://bucket", "--access-key", "a", "--secret-key-file", "/no/such/file"}),
-              failed("Error opening file '/no/such/file': No such file or directory."));
+              failed("Error opening file '" + shown("/no/such/file") + "': No such file or directory."));
 }
 
 TEST(ToolS3Failure, ThatMayPassIsTriedAgain) {
@@ -173,7 +175,7 @@ TEST(ToolS3Failure, OfAStoreThatIgnoresTheRangeIsTold) {
 
 TEST(ToolS3Usage, IsRefusedWithoutARequest) {
     const auto refusal = [](const std::string& address) {
-        return runTool({"s3", "get", address, "--access-key", "a", "--secret-key-file", "/dev/null"});
+        return runTool({"s3", "get", address, "--access-key", "a", "--secret-key-file", nullDevice()});
     };
     EXPECT_EQ(refusal("bucket/key"), refused("OBJECT: 'bucket/key' does not begin with s3://"));
     EXPECT_EQ(refusal("http://bucket/key"), refused("OBJECT: 'http://bucket/key' does not begin with s3://"));
@@ -184,12 +186,12 @@ TEST(ToolS3Usage, IsRefusedWithoutARequest) {
               refused("OBJECT: 's3://bucket/' names no object, as s3://BUCKET/KEY does"));
     for (const char* endpoint : {"", "store.example", "ftp://store.example", "http://user@store.example",
                                  "http://store.example/?x=y"}) {
-        EXPECT_EQ(runTool({"s3", "ls", "s3://b", "--access-key", "a", "--secret-key-file", "/dev/null",
+        EXPECT_EQ(runTool({"s3", "ls", "s3://b", "--access-key", "a", "--secret-key-file", nullDevice(),
                            "--endpoint", endpoint}),
                   refused("--endpoint: needs an http or https URL without login and query"));
     }
     EXPECT_EQ(runTool({"s3"}), refused("no verb was given; vantra s3 --help lists them"));
-    EXPECT_EQ(runTool({"s3", "ls", "s3://b", "--secret-key-file", "/dev/null"}),
+    EXPECT_EQ(runTool({"s3", "ls", "s3://b", "--secret-key-file", nullDevice()}),
               refused("--access-key is required"));
     EXPECT_EQ(runTool({"s3", "ls", "s3://b", "--access-key", "a"}), refused("--secret-key-file is required"));
     EXPECT_EQ(runTool({"s3", "put", "s3://b/k", "--access-key", "a", "--secret-key-file", "f"}),

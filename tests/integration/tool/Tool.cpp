@@ -1,6 +1,7 @@
 #include "Tool.h"
 
 #include "support/FilePath.h"
+#include "support/ResetConnection.h"
 
 #include <gmock/gmock.h>
 
@@ -30,6 +31,16 @@ Outcome failedAfter(std::string_view output, std::string_view message) {
 }
 
 Outcome refused(std::string_view message) { return {2, "", asLine(message)}; }
+
+std::vector<std::string> messagesOfReset(const std::string& url, int missingBytes) {
+    const std::string code = " (response code: http 200)";
+    std::vector<std::string> messages{url + ": Failure when receiving data from the peer: Recv failure: " +
+                                      "Connection reset by peer" + code};
+    if (testsupport::resetMayLookLikeAnEnd())
+        messages.push_back(url + ": Transferred a partial file: transfer closed with " +
+                           std::to_string(missingBytes) + " bytes remaining to read" + code);
+    return messages;
+}
 
 std::string toolPath() { return VANTRA_COMMAND; }
 

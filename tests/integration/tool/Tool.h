@@ -22,6 +22,10 @@ Outcome failedAfter(std::string_view output, std::string_view message);
 /// As failed(), with the exit status 2.
 Outcome refused(std::string_view message);
 
+/// What the program may say, after "vantra: ", of a download whose server resets the connection while so many
+/// bytes of the body are missing.
+std::vector<std::string> messagesOfReset(const std::string& url, int missingBytes);
+
 /// The path of the program.
 std::string toolPath();
 /// The environment of the program: the test's own without anything that sets a proxy.

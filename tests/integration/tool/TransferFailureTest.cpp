@@ -1,5 +1,6 @@
 #include "Tool.h"
 
+#include "support/MatchesPattern.h"
 #include "support/Ports.h"
 #include "support/ScriptedServer.h"
 
@@ -7,7 +8,6 @@
 
 using namespace testsupport;
 using namespace tooltest;
-using testing::MatchesRegex;
 
 TEST(ToolTransferFailure, NamesAServerThatDoesNotAnswer) {
     RefusedPort port;
@@ -16,9 +16,10 @@ TEST(ToolTransferFailure, NamesAServerThatDoesNotAnswer) {
     EXPECT_EQ(outcome.exitStatus, 1);
     EXPECT_EQ(outcome.output, "");
     EXPECT_THAT(outcome.error,
-                MatchesRegex("vantra: http://" + address +
-                             "/: Couldn't connect to server: Failed to connect to 127.0.0.1 port " +
-                             std::to_string(port.port()) + " after [0-9]+ ms: Couldn't connect to server\n"));
+                MatchesPattern("vantra: http://" + address +
+                               "/: Couldn't connect to server: Failed to connect to 127.0.0.1 port " +
+                               std::to_string(port.port()) +
+                               " after [0-9]+ ms: Couldn't connect to server\n"));
 }
 
 TEST(ToolTransferFailure, NamesAHostThatDoesNotExist) {
@@ -39,9 +40,10 @@ TEST(ToolTransferFailure, TellsOfABodyCutShort) {
 TEST(ToolTransferFailure, TellsOfAConnectionReset) {
     ScriptedServer server;
     server.play(Script().expectRequest().send("HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\nhalf").reset());
-    EXPECT_EQ(runTool({"get", server.url()}),
-              failedAfter("half", server.url() + ": Failure when receiving data from the peer: Recv failure: "
-                                                 "Connection reset by peer (response code: http 200)"));
+    std::vector<Outcome> expected;
+    for (const std::string& message : messagesOfReset(server.url(), 6))
+        expected.push_back(failedAfter("half", message));
+    EXPECT_THAT(expected, testing::Contains(runTool({"get", server.url()})));
 }
 
 TEST(ToolTransferFailure, TellsOfAnEmptyAnswer) {
@@ -67,9 +69,9 @@ TEST(ToolTransferFailure, EndsARequestThatTakesTooLong) {
     const auto duration = std::chrono::steady_clock::now() - start;
     EXPECT_EQ(outcome.exitStatus, 1);
     EXPECT_EQ(outcome.output, "");
-    EXPECT_THAT(outcome.error, MatchesRegex("vantra: " + server.url() +
-                                            ": Timeout was reached: Operation timed out after "
-                                            "[0-9]+ milliseconds with 0 bytes received\n"));
+    EXPECT_THAT(outcome.error, MatchesPattern("vantra: " + server.url() +
+                                              ": Timeout was reached: Operation timed out after "
+                                              "[0-9]+ milliseconds with 0 bytes received\n"));
     EXPECT_GE(duration, std::chrono::milliseconds(300));
     EXPECT_LT(duration, std::chrono::seconds(10));
 }
@@ -80,5 +82,5 @@ TEST(ToolTransferFailure, HasTheShortestTimeoutWhenItIsShorterThanLibcurlCanTell
     const Outcome outcome = runTool({"get", "--timeout", "0.0000001", server.url()});
     EXPECT_EQ(outcome.exitStatus, 1);
     EXPECT_THAT(outcome.error,
-                MatchesRegex("vantra: " + server.url() + ": Timeout was reached: .* timed? ?out .*\n"));
+                MatchesPattern("vantra: " + server.url() + ": Timeout was reached: .* timed? ?out .*\n"));
 }

@@ -48,11 +48,6 @@ TEST(ToolProxyVerb, SaysNoneWhereThereIsNone) {
     EXPECT_EQ(desktop.run({"proxy", "http://example.org/"}), succeeded("none\n"));
 }
 
-TEST(ToolProxyVerb, RefusesWhatIsNoURL) {
-    EXPECT_EQ(runTool({"proxy", "example.org"}),
-              refused("URL: has no scheme; begin it with http://, https://, ftp:// or ftps://"));
-}
-
 TEST(ToolProxy, SystemIsWhatTheSettingsSay) {
     const std::string url = webServer().url("/hello.txt");
     const TinyproxyServer proxy;
