@@ -75,10 +75,7 @@ testsupport::NginxServer& webServer() {
     return server;
 }
 
-std::string shown(const std::string& path) {
-    const std::u8string text = testsupport::pathOf(path).make_preferred().u8string();
-    return std::string(text.begin(), text.end());
-}
+std::string shown(const std::string& path) { return testsupport::nativeName(path); }
 
 std::vector<std::string> filesIn(const std::string& folder) {
     std::vector<std::string> names;
