@@ -56,7 +56,7 @@ def read_sources(build, only):
 
 def options(command, source):
     """A compilation's options alone, as clang knows them: no launcher, compiler, source, output or dependency file."""
-    compiler = next(i for i, word in enumerate(command) if re.fullmatch(r"(clang|g|c)\+\+.*", os.path.basename(word)))
+    compiler = next(i for i, word in enumerate(command) if re.fullmatch(r"(.*-)?(clang|g|c)\+\+.*", os.path.basename(word)))
     kept, skip = [], False
     for word in command[compiler + 1:]:
         if skip:
