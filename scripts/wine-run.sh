@@ -49,7 +49,7 @@ mkdir -p "$(dirname "$WINEPREFIX")"
     flock 9
     # Nothing that stays may inherit the lock.
     start_session >"$WINEPREFIX.log" 2>&1 </dev/null 9>&- || {
-        printf '%s\n' "wine-run.sh: Wine could not be started in the prefix $WINEPREFIX, see $WINEPREFIX.log" >&2
+        printf '%s\n' "wine-run.sh: Wine could not be started in the prefix $WINEPREFIX:" "$(cat "$WINEPREFIX.log")" >&2
         exit 1
     }
 ) 9>"$WINEPREFIX.lock"

@@ -52,7 +52,8 @@ TEST(ToolHelp, GivesExamplesThatWork) {
             const Outcome outcome = folder.runShell(example);
             EXPECT_EQ(outcome.exitStatus, verb.name() == "proxy" ? 0 : 1) << example << "\n" << outcome.error;
             EXPECT_EQ(outcome.error.find("127.0.0.1") != std::string::npos, verb.name() != "proxy")
-                << example;
+                << example << "\n"
+                << outcome.error;
         }
 }
 
