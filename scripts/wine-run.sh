@@ -53,4 +53,8 @@ mkdir -p "$(dirname "$WINEPREFIX")"
         exit 1
     }
 ) 9>"$WINEPREFIX.lock"
-exec "$wine" "$@"
+# At fixed addresses, where the system lets: else one start in some thousands has its heap where Wine puts what all its
+# programs share, and ends with status 1 and no word.
+fixed=()
+if setarch --addr-no-randomize true 2>/dev/null; then fixed=(setarch --addr-no-randomize); fi
+exec "${fixed[@]}" "$wine" "$@"
