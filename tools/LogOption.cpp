@@ -34,7 +34,7 @@ void CLogOption::checkFor(const std::optional<kel::String>& outputName) const {
     const fs::path logPath = kel::CPath(*file_).toStdPath();
     const fs::path log = fs::weakly_canonical(logPath, error);
     const fs::path output = fs::weakly_canonical(kel::CPath(*outputName).toStdPath(), error);
-    if (!log.empty() && log == output && !isSpecialFile(logPath))
+    if (!log.empty() && areSamePath(log, output) && !isSpecialFile(logPath))
         throw CUsageError("--log: names the same file as --output");
 }
 

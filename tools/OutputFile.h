@@ -16,4 +16,8 @@ namespace vantra::tool {
 /// characters that it must not have. No error for any other name.
 [[nodiscard]] std::error_code checkFileName(const std::filesystem::path& path);
 
+/// Whether two absolute paths without links are one to the system, which may take no notice of upper and
+/// lower case.
+[[nodiscard]] bool areSamePath(const std::filesystem::path& left, const std::filesystem::path& right);
+
 } // namespace vantra::tool

@@ -16,4 +16,6 @@ std::error_code checkFileName(const fs::path& path) {
     return error == std::errc::filename_too_long ? error : std::error_code();
 }
 
+bool areSamePath(const fs::path& left, const fs::path& right) { return left == right; }
+
 } // namespace vantra::tool

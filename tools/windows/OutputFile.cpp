@@ -62,4 +62,8 @@ std::error_code checkFileName(const fs::path& path) {
     return {};
 }
 
+bool areSamePath(const fs::path& left, const fs::path& right) {
+    return ::CompareStringOrdinal(left.c_str(), -1, right.c_str(), -1, TRUE) == CSTR_EQUAL;
+}
+
 } // namespace vantra::tool

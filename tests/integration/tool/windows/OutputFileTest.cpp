@@ -19,6 +19,16 @@ TEST(ToolOutputFile, IsWrittenDirectlyWhenItIsADevice) {
     EXPECT_THAT(filesIn(folder.path()), IsEmpty());
 }
 
+TEST(ToolLog, DoesNotTakeThePlaceOfABodyWhoseNameHasOtherCases) {
+    const TempDir folder;
+    folder.writeFile("old", "content");
+    for (const auto& [body, log] :
+         {std::pair("old", "OLD"), std::pair("new", "New"), std::pair("\u00fc", "\u00dc")})
+        EXPECT_EQ(runTool({"get", "-o", folder.file(body), "--log", folder.file(log), "http://127.0.0.1:1/"}),
+                  refused("--log: names the same file as --output"));
+    EXPECT_EQ(folder.readFile("old"), "content");
+}
+
 TEST(ToolOutputFile, WithForbiddenCharactersInItsNameIsRefusedBeforeTheTransfer) {
     ScriptedServer server; // would note a connection as an error
     const TempDir folder;
