@@ -56,11 +56,15 @@ TEST(ToolProxy, SystemIsWhatTheSettingsSay) {
     const Desktop through(gate + "'manual'\nignore-hosts=['localhost']\n");
     EXPECT_EQ(through.run({"get", "--proxy", "system", url}), succeeded(NginxServer::helloContent()));
     EXPECT_TRUE(proxy.waitForLog("GET " + url));
-    const std::size_t length = proxy.log().size();
 
     const Desktop past(gate + "'manual'\nignore-hosts=['127.0.0.1']\n");
-    EXPECT_EQ(past.run({"get", "--proxy", "system", url}), succeeded(NginxServer::helloContent()));
+    EXPECT_EQ(past.run({"get", "--proxy", "system", url + "?past"}), succeeded(NginxServer::helloContent()));
     const Desktop without(gate + "'none'\n");
-    EXPECT_EQ(without.run({"get", "--proxy", "system", url}), succeeded(NginxServer::helloContent()));
-    EXPECT_EQ(proxy.log().size(), length);
+    EXPECT_EQ(without.run({"get", "--proxy", "system", url + "?without"}),
+              succeeded(NginxServer::helloContent()));
+    EXPECT_EQ(through.run({"get", "--proxy", "system", url + "?last"}),
+              succeeded(NginxServer::helloContent()));
+    EXPECT_TRUE(proxy.waitForLog("GET " + url + "?last"));
+    EXPECT_EQ(proxy.log().find("?past"), std::string::npos) << proxy.log();
+    EXPECT_EQ(proxy.log().find("?without"), std::string::npos) << proxy.log();
 }
