@@ -37,8 +37,8 @@ step_tidy() {
 }
 
 step_tests() {
-    # Wine fails a program now and then for reasons of its own. One that passes when it is repeated counts; ctest shows
-    # the failure, too.
+    # Where wine-run.sh cannot fix addresses, Wine fails to start a program now and then. One that passes when it is
+    # repeated counts; ctest shows the failure, too.
     run_tests "$preset" -- --repeat until-pass:2
 }
 

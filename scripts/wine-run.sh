@@ -7,12 +7,15 @@
 # ${XDG_CACHE_HOME:-~/.cache}/vantra-wine.
 set -euo pipefail
 
-wine=/usr/lib/wine/wine64
-if [ ! -x "$wine" ]; then
-    printf '%s\n' "wine-run.sh: $wine is missing: scripts/install-deps.sh windows" >&2
+wine=(/usr/lib/wine/wine64)
+server=/usr/lib/wine/wineserver64
+if [ ! -x "${wine[0]}" ]; then
+    printf '%s\n' "wine-run.sh: ${wine[0]} is missing: scripts/install-deps.sh windows" >&2
     exit 1
 fi
-server=/usr/lib/wine/wineserver64
+# At fixed addresses, where the system lets: else one start in some thousands has its heap where Wine puts what all its
+# programs share, and ends with status 1 and no word.
+if setarch --addr-no-randomize true 2>/dev/null; then wine=(setarch --addr-no-randomize "${wine[@]}"); fi
 
 export WINEPREFIX=${WINEPREFIX:-${XDG_CACHE_HOME:-$HOME/.cache}/vantra-wine} WINEARCH=win64
 export WINEDEBUG=${WINEDEBUG:--all}
@@ -23,9 +26,9 @@ unset DISPLAY
 # make_prefix: with the crash debugger switched off, without which a program that crashes ends with status 0.
 make_prefix() {
     local crash_debugger='HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug'
-    "$wine" wineboot --update &&
-        "$wine" reg add "$crash_debugger" /v Auto /t REG_SZ /d 0 /f &&
-        "$wine" reg add "$crash_debugger" /v Debugger /t REG_SZ /d "" /f &&
+    "${wine[@]}" wineboot --update &&
+        "${wine[@]}" reg add "$crash_debugger" /v Auto /t REG_SZ /d 0 /f &&
+        "${wine[@]}" reg add "$crash_debugger" /v Debugger /t REG_SZ /d "" /f &&
         touch "$WINEPREFIX/.ready"
 }
 
@@ -40,7 +43,7 @@ start_session() {
     if [ ! -e "$WINEPREFIX/.ready" ]; then
         make_prefix
     elif [ $status -eq 0 ]; then
-        "$wine" wineboot
+        "${wine[@]}" wineboot
     fi
 }
 
@@ -53,8 +56,4 @@ mkdir -p "$(dirname "$WINEPREFIX")"
         exit 1
     }
 ) 9>"$WINEPREFIX.lock"
-# At fixed addresses, where the system lets: else one start in some thousands has its heap where Wine puts what all its
-# programs share, and ends with status 1 and no word.
-fixed=()
-if setarch --addr-no-randomize true 2>/dev/null; then fixed=(setarch --addr-no-randomize); fi
-exec "${fixed[@]}" "$wine" "$@"
+exec "${wine[@]}" "$@"
