@@ -1,6 +1,6 @@
 #include "WebServer.h"
 
-#include <filesystem>
+#include "support/FilePath.h"
 
 using kel::P;
 using kel::String;
@@ -46,7 +46,7 @@ TEST(TLS, RefusesWrongHostExpiredAndSelfSignedCertificates) {
 
 TEST(TLS, FailsClearlyWithAnUnreadableBundle) {
     const P<CNetRequest> request = makeRequest(webServer().httpsUrl("/hello.txt"));
-    const std::string bundle = std::filesystem::path("/nonexistent/ca.crt").make_preferred().string();
+    const std::string bundle = testsupport::nativeName("/nonexistent/ca.crt");
     request->setRootCertBundlePath(String::fromUTF8(bundle));
     const auto error = performForError(*request);
     EXPECT_EQ(error.getCode(), CURLE_SSL_CACERT_BADFILE);
