@@ -17,10 +17,11 @@
 
 build=(g++ cmake ninja-build make ccache pkg-config libwxgtk3.2-dev libcurl4-openssl-dev libssl-dev libcli11-dev
     nlohmann-json3-dev)
-demo=(nginx-light openssl proftpd-core proftpd-mod-crypto python3-aiosmtpd python3-swift swift-proxy swift-account swift-container swift-object)
-test=(libgtest-dev libgmock-dev openssl nginx-light libnginx-mod-http-echo tinyproxy-bin python3 python3-httpbin gunicorn
-    proftpd-core proftpd-mod-crypto python3-pyftpdlib python3-openssl python3-aiosmtpd python3-swift swift-proxy
-    swift-account swift-container swift-object libglib2.0-bin mandoc)
+demo=(nginx-light openssl proftpd-core proftpd-mod-crypto python3-aiosmtpd python3-swift swift-proxy swift-account
+    swift-container swift-object)
+test=(libgtest-dev libgmock-dev openssl curl nginx-light libnginx-mod-http-echo tinyproxy-bin python3 python3-httpbin
+    gunicorn proftpd-core proftpd-mod-crypto python3-pyftpdlib python3-openssl python3-aiosmtpd python3-swift swift-proxy
+    swift-account swift-container swift-object libglib2.0-bin gsettings-desktop-schemas mandoc)
 bench=(libbenchmark-dev nginx-light openssl proftpd-core proftpd-mod-crypto)
 check=(git python3 clang clang-tidy clang-format libclang-rt-14-dev shellcheck util-linux doxygen abigail-tools)
 debs=(dpkg-dev debootstrap lintian util-linux)
