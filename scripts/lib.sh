@@ -31,6 +31,19 @@ on_every_line_in_parallel() {
     xargs -r -d '\n' -n 1 -P "$CMAKE_BUILD_PARALLEL_LEVEL" "$@"
 }
 
+# debian_sources CODENAME: where this machine's apt takes main of that Debian and of its updates from, a line
+# "ADDRESS SUITE main" each; nothing if apt knows no such source.
+debian_sources() {
+    # shellcheck disable=SC2016  # apt-get expands these
+    apt-get indextargets --no-release-info --format '$(REPO_URI) $(RELEASE) $(COMPONENT)' 'Created-By: Packages' |
+        awk -v suite="$1" '$3 == "main" && ($2 == suite || index($2, suite "-") == 1)' | sort -u
+}
+
+# debian_mirror CODENAME: the first of those addresses that has the release itself.
+debian_mirror() {
+    debian_sources "$1" | awk -v suite="$1" '$2 == suite && !found { print $1; found = 1 }'
+}
+
 # serve_pages FOLDER: starts a web server for the folder's files on a free port of the loopback interface, and leaves
 # its process's id in `pages_pid` and its URL, without a slash at the end, in `pages_url`. stop_pages stops it.
 serve_pages() {

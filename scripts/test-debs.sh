@@ -35,11 +35,9 @@ say "lintian finds nothing wrong with ${packages[*]} $version."
 # What runs on this machine, and where from.
 codename=$(sed -nE 's/^VERSION_CODENAME=//p' /etc/os-release)
 architecture=$(dpkg --print-architecture)
-# shellcheck disable=SC2016  # apt-get expands these
-mapfile -t sources < <(apt-get indextargets --format '$(REPO_URI) $(RELEASE) $(COMPONENT)' 'Created-By: Packages' |
-    awk -v suite="$codename" '$3 == "main" && ($2 == suite || index($2, suite "-") == 1) { print "deb", $0 }' | sort -u)
-mirror=$(printf '%s\n' "${sources[@]}" | awk -v suite="$codename" '$3 == suite && !found { print $2; found = 1 }')
-[ -n "$mirror" ] || die "apt knows no source of $codename main, or has not looked at it: apt-get update"
+mapfile -t sources < <(debian_sources "$codename")
+mirror=$(debian_mirror "$codename")
+[ -n "$mirror" ] || die "apt knows no source of $codename main"
 http_proxy=${http_proxy-$(apt-config shell proxy Acquire::http::Proxy | sed -nE "s/^proxy='(.*)'\$/\\1/p")}
 
 cache=${VANTRA_DEBS_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/vantra-debs}/$codename-$architecture
@@ -65,7 +63,7 @@ if [ ! -d "$cache/minimal" ]; then
     mv "$new" "$cache/minimal"
 fi
 cp -a --reflink=auto "$cache/minimal" "$root"
-printf '%s\n' "${sources[@]}" >"$root/etc/apt/sources.list"
+printf 'deb %s\n' "${sources[@]}" >"$root/etc/apt/sources.list"
 printf 'exit 101\n' >"$root/usr/sbin/policy-rc.d" # starts no services
 chmod 755 "$root/usr/sbin/policy-rc.d"
 cp /etc/resolv.conf "$root/etc/resolv.conf"

@@ -10,7 +10,7 @@
 # packages.
 #
 #     VANTRA_WINDOWS_CACHE    folder of the cache, default ${XDG_CACHE_HOME:-~/.cache}/vantra-windows
-#     VANTRA_DEBIAN_MIRROR    where the source packages come from; default the first mirror of this system
+#     VANTRA_DEBIAN_MIRROR    where the source packages come from; default the one that this system's apt uses
 # shellcheck source=scripts/lib.sh
 . "$(dirname "$0")/lib.sh"
 
@@ -93,7 +93,7 @@ build_step() {
 
 fetch_sources() {
     local mirror=${VANTRA_DEBIAN_MIRROR-}
-    [ -n "$mirror" ] || mirror=$(sed -n '/^URIs: */{s///p;q}' /etc/apt/sources.list.d/debian.sources 2>/dev/null)
+    [ -n "$mirror" ] || mirror=$(debian_mirror "$suite")
     [ -n "$mirror" ] || mirror=http://deb.debian.org/debian
     echo "deb-src [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] $mirror $suite main" >"$work/sources.list"
     local apt=(apt-get -q -o Dir::Etc::SourceList="$work/sources.list" -o Dir::Etc::SourceParts=/dev/null
