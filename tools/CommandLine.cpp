@@ -1,9 +1,9 @@
 #include "CommandLine.h"
 
-#include "Interrupt.h"
+#include "display/TerminalText.h"
+#include "files/Output.h"
 #include "LogHandler.h"
-#include "Output.h"
-#include "TerminalText.h"
+#include "transfer/Interrupt.h"
 
 #include <vantra/GlobalInit.h>
 #include <vantra/Version.h>

@@ -1,6 +1,6 @@
 #include "LogHandler.h"
 
-#include "TerminalText.h"
+#include "display/TerminalText.h"
 
 namespace vantra::tool {
 

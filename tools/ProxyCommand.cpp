@@ -1,8 +1,8 @@
 #include "ProxyCommand.h"
 
-#include "HiddenPassword.h"
-#include "Output.h"
-#include "TerminalText.h"
+#include "arguments/HiddenPassword.h"
+#include "display/TerminalText.h"
+#include "files/Output.h"
 
 #include <CLI/CLI.hpp>
 

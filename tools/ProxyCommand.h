@@ -2,7 +2,7 @@
 /// vantra proxy [URL]: tells what the system's settings say of proxies.
 #pragma once
 
-#include "URLArgument.h"
+#include "arguments/URLArgument.h"
 #include "Verb.h"
 
 #include <optional>

@@ -1,9 +1,9 @@
 #include "Verb.h"
 
+#include "arguments/HiddenPassword.h"
 #include "Errors.h"
-#include "HiddenPassword.h"
-#include "Output.h"
-#include "Terminal.h"
+#include "files/Output.h"
+#include "files/Terminal.h"
 
 #include <CLI/CLI.hpp>
 

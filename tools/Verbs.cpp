@@ -2,11 +2,11 @@
 
 #include "ftp/FTPVerb.h"
 #include "getall/GetAllCommand.h"
-#include "GetCommand.h"
+#include "http/GetCommand.h"
+#include "http/UploadCommand.h"
 #include "mail/MailVerbs.h"
 #include "ProxyCommand.h"
 #include "s3/S3Verbs.h"
-#include "UploadCommand.h"
 
 namespace vantra::tool {
 

@@ -1,6 +1,6 @@
 #include "CommandLine.h"
+#include "files/StandardFiles.h"
 #include "LogHandler.h"
-#include "StandardFiles.h"
 #include "Verbs.h"
 
 #include <kel/Log.h>

@@ -2,10 +2,10 @@
 /// The client of every FTP verb.
 #pragma once
 
-#include "ConnectionOptions.h"
-#include "LoginOptions.h"
-#include "TransferLog.h"
-#include "TransferMonitor.h"
+#include "options/ConnectionOptions.h"
+#include "options/LoginOptions.h"
+#include "transfer/TransferLog.h"
+#include "transfer/TransferMonitor.h"
 
 #include <vantra/FTPClient.h>
 

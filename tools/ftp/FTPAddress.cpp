@@ -2,9 +2,9 @@
 
 #include "ftp/FTPAddress.h"
 
-#include "ArgumentText.h"
+#include "arguments/ArgumentText.h"
+#include "arguments/URLHandle.h"
 #include "Errors.h"
-#include "URLHandle.h"
 
 #include <optional>
 

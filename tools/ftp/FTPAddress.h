@@ -2,7 +2,7 @@
 /// A file or directory on an FTP server as the user names it.
 #pragma once
 
-#include "URLArgument.h"
+#include "arguments/URLArgument.h"
 
 #include <kel/String.h>
 

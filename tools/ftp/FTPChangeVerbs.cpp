@@ -1,8 +1,8 @@
 #include "ftp/FTPChangeVerbs.h"
 
+#include "display/TerminalText.h"
 #include "Errors.h"
-#include "StandardFiles.h"
-#include "TerminalText.h"
+#include "files/StandardFiles.h"
 
 #include <vantra/FTPGetInfoResult.h>
 

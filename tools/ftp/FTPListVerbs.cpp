@@ -1,7 +1,7 @@
 #include "ftp/FTPListVerbs.h"
 
-#include "Output.h"
-#include "TerminalText.h"
+#include "display/TerminalText.h"
+#include "files/Output.h"
 
 #include <vantra/FTPGetInfoResult.h>
 

@@ -2,11 +2,11 @@
 /// The options of every FTP verb.
 #pragma once
 
-#include "ConnectionOptions.h"
 #include "ftp/EscapingFTPClient.h"
 #include "ftp/FTPAddress.h"
-#include "LoginOptions.h"
-#include "TransferMonitor.h"
+#include "options/ConnectionOptions.h"
+#include "options/LoginOptions.h"
+#include "transfer/TransferMonitor.h"
 
 #include <vantra/FTPClient.h>
 

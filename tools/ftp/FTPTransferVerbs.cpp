@@ -1,13 +1,13 @@
 #include "ftp/FTPTransferVerbs.h"
 
+#include "arguments/FileArgument.h"
+#include "display/ProgressDisplay.h"
 #include "Errors.h"
-#include "FileArgument.h"
-#include "Output.h"
-#include "ProgressDisplay.h"
-#include "ResponseSink.h"
-#include "Transfer.h"
-#include "TransferMonitor.h"
-#include "TransferResult.h"
+#include "files/Output.h"
+#include "transfer/ResponseSink.h"
+#include "transfer/Transfer.h"
+#include "transfer/TransferMonitor.h"
+#include "transfer/TransferResult.h"
 
 #include <CLI/CLI.hpp>
 

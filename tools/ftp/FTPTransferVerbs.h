@@ -2,8 +2,8 @@
 /// vantra ftp get and put: carry files from and to the server.
 #pragma once
 
-#include "DownloadOptions.h"
 #include "ftp/FTPVerb.h"
+#include "options/DownloadOptions.h"
 
 #include <kel/String.h>
 

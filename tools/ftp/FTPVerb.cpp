@@ -4,8 +4,8 @@
 #include "ftp/FTPChangeVerbs.h"
 #include "ftp/FTPListVerbs.h"
 #include "ftp/FTPTransferVerbs.h"
-#include "Interrupt.h"
-#include "TransferFailure.h"
+#include "transfer/Interrupt.h"
+#include "transfer/TransferFailure.h"
 
 #include <CLI/CLI.hpp>
 

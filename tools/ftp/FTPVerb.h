@@ -4,7 +4,7 @@
 
 #include "ftp/FTPAddress.h"
 #include "ftp/FTPOptions.h"
-#include "LogOption.h"
+#include "options/LogOption.h"
 #include "Verb.h"
 
 #include <optional>

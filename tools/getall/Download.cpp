@@ -1,8 +1,8 @@
 #include "Download.h"
 
 #include "FileName.h"
-#include "TransferFailure.h"
-#include "TransferResult.h"
+#include "transfer/TransferFailure.h"
+#include "transfer/TransferResult.h"
 
 namespace vantra::tool {
 

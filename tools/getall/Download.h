@@ -2,13 +2,13 @@
 /// One of many downloads.
 #pragma once
 
+#include "arguments/URLArgument.h"
+#include "display/ProgressDisplay.h"
 #include "DownloadFolder.h"
 #include "JSONObject.h"
-#include "ProgressDisplay.h"
-#include "RequestOptions.h"
-#include "ResponseSink.h"
-#include "TransferMonitor.h"
-#include "URLArgument.h"
+#include "options/RequestOptions.h"
+#include "transfer/ResponseSink.h"
+#include "transfer/TransferMonitor.h"
 
 #include <vantra/NetRequest.h>
 

@@ -2,7 +2,7 @@
 /// The folder that downloads go to.
 #pragma once
 
-#include "TemporaryFile.h"
+#include "files/TemporaryFile.h"
 
 #include <kel/String.h>
 

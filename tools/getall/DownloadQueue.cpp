@@ -1,8 +1,8 @@
 #include "DownloadQueue.h"
 
-#include "HiddenPassword.h"
-#include "Interrupt.h"
-#include "TerminalText.h"
+#include "arguments/HiddenPassword.h"
+#include "display/TerminalText.h"
+#include "transfer/Interrupt.h"
 
 namespace vantra::tool {
 

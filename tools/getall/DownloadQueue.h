@@ -2,12 +2,12 @@
 /// Running many downloads, so many at a time.
 #pragma once
 
+#include "arguments/URLArgument.h"
+#include "display/ProgressDisplay.h"
 #include "Download.h"
-#include "Output.h"
-#include "ProgressDisplay.h"
-#include "RequestOptions.h"
-#include "TransferLog.h"
-#include "URLArgument.h"
+#include "files/Output.h"
+#include "options/RequestOptions.h"
+#include "transfer/TransferLog.h"
 
 #include <vantra/AsyncNetRequestThread.h>
 

@@ -2,7 +2,7 @@
 /// Names of files that servers choose.
 #pragma once
 
-#include "URLArgument.h"
+#include "arguments/URLArgument.h"
 
 #include <kel/Map.h>
 #include <kel/String.h>

@@ -1,11 +1,11 @@
 #include "GetAllCommand.h"
 
-#include "ArgumentText.h"
+#include "arguments/ArgumentText.h"
+#include "display/TerminalText.h"
 #include "DownloadQueue.h"
 #include "Errors.h"
-#include "Interrupt.h"
-#include "Output.h"
-#include "TerminalText.h"
+#include "files/Output.h"
+#include "transfer/Interrupt.h"
 
 #include <CLI/CLI.hpp>
 

@@ -2,9 +2,9 @@
 /// vantra get-all URL...: fetches many files at once.
 #pragma once
 
-#include "LogOption.h"
-#include "RequestOptions.h"
-#include "URLArgument.h"
+#include "arguments/URLArgument.h"
+#include "options/LogOption.h"
+#include "options/RequestOptions.h"
 #include "Verb.h"
 
 #include <kel/String.h>

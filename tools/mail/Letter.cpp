@@ -1,6 +1,6 @@
 #include "mail/Letter.h"
 
-#include "Input.h"
+#include "files/Input.h"
 #include "mail/ContentType.h"
 
 #include <vantra/MimeEncoding.h>

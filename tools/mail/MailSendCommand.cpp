@@ -1,10 +1,10 @@
 #include "mail/MailSendCommand.h"
 
-#include "ArgumentText.h"
+#include "arguments/ArgumentText.h"
+#include "arguments/FileArgument.h"
 #include "Errors.h"
-#include "FileArgument.h"
 #include "mail/MailTransfer.h"
-#include "TransferResult.h"
+#include "transfer/TransferResult.h"
 
 #include <CLI/CLI.hpp>
 

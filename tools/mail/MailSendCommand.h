@@ -2,9 +2,9 @@
 /// vantra mail send: sends a mail.
 #pragma once
 
-#include "LogOption.h"
 #include "mail/Letter.h"
 #include "mail/MailServerOptions.h"
+#include "options/LogOption.h"
 #include "Verb.h"
 
 namespace vantra::tool {

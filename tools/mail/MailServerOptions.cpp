@@ -1,8 +1,8 @@
 #include "mail/MailServerOptions.h"
 
-#include "ArgumentText.h"
+#include "arguments/ArgumentText.h"
+#include "arguments/TimeoutArgument.h"
 #include "Errors.h"
-#include "TimeoutArgument.h"
 
 #include <CLI/CLI.hpp>
 

@@ -2,7 +2,7 @@
 /// The options of how a mail server is reached.
 #pragma once
 
-#include "LoginOptions.h"
+#include "options/LoginOptions.h"
 
 #include <vantra/NetRequest.h>
 #include <vantra/SMTPClient.h>

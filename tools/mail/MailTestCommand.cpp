@@ -1,9 +1,9 @@
 #include "mail/MailTestCommand.h"
 
+#include "display/TerminalText.h"
+#include "files/Output.h"
 #include "mail/MailTransfer.h"
 #include "mail/ServerReplies.h"
-#include "Output.h"
-#include "TerminalText.h"
 
 #include <vantra/SMTPClient.h>
 

@@ -2,8 +2,8 @@
 /// vantra mail test: tries a mail server without sending anything.
 #pragma once
 
-#include "LogOption.h"
 #include "mail/MailServerOptions.h"
+#include "options/LogOption.h"
 #include "Verb.h"
 
 namespace vantra::tool {

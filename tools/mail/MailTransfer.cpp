@@ -1,8 +1,8 @@
 #include "mail/MailTransfer.h"
 
-#include "Interrupt.h"
-#include "TransferFailure.h"
-#include "TransferMonitor.h"
+#include "transfer/Interrupt.h"
+#include "transfer/TransferFailure.h"
+#include "transfer/TransferMonitor.h"
 
 namespace vantra::tool {
 

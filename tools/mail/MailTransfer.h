@@ -2,8 +2,8 @@
 /// Performing a request to a mail server.
 #pragma once
 
-#include "LogOption.h"
-#include "ProgressDisplay.h"
+#include "display/ProgressDisplay.h"
+#include "options/LogOption.h"
 
 #include <vantra/NetRequest.h>
 

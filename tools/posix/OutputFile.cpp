@@ -1,4 +1,4 @@
-#include "OutputFile.h"
+#include "files/OutputFile.h"
 
 namespace vantra::tool {
 

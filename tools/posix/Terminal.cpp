@@ -1,4 +1,4 @@
-#include "Terminal.h"
+#include "files/Terminal.h"
 
 #include <cstdlib>
 #include <string_view>

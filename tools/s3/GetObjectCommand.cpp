@@ -1,8 +1,8 @@
 #include "s3/GetObjectCommand.h"
 
-#include "Interrupt.h"
 #include "s3/ObjectSink.h"
-#include "TransferResult.h"
+#include "transfer/Interrupt.h"
+#include "transfer/TransferResult.h"
 
 #include <CLI/CLI.hpp>
 

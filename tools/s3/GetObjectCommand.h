@@ -2,8 +2,8 @@
 /// vantra s3 get s3://BUCKET/KEY: downloads an object.
 #pragma once
 
-#include "DownloadOptions.h"
-#include "Output.h"
+#include "files/Output.h"
+#include "options/DownloadOptions.h"
 #include "s3/StoreCommand.h"
 
 namespace vantra::tool {

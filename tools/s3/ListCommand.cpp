@@ -1,9 +1,9 @@
 #include "s3/ListCommand.h"
 
-#include "ArgumentText.h"
+#include "arguments/ArgumentText.h"
+#include "display/TerminalText.h"
 #include "Errors.h"
-#include "Interrupt.h"
-#include "TerminalText.h"
+#include "transfer/Interrupt.h"
 
 #include <CLI/CLI.hpp>
 

@@ -2,9 +2,9 @@
 /// vantra s3 ls s3://BUCKET[/PREFIX]: lists objects.
 #pragma once
 
-#include "Output.h"
+#include "files/Output.h"
 #include "s3/StoreCommand.h"
-#include "TransferLog.h"
+#include "transfer/TransferLog.h"
 
 #include <vantra/S3Results.h>
 

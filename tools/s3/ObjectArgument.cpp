@@ -1,6 +1,6 @@
 #include "s3/ObjectArgument.h"
 
-#include "ArgumentText.h"
+#include "arguments/ArgumentText.h"
 #include "Errors.h"
 
 #include <string_view>

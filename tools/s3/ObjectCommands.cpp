@@ -1,10 +1,10 @@
 #include "s3/ObjectCommands.h"
 
+#include "display/TerminalText.h"
 #include "Errors.h"
-#include "Interrupt.h"
-#include "Output.h"
-#include "TerminalText.h"
-#include "TransferResult.h"
+#include "files/Output.h"
+#include "transfer/Interrupt.h"
+#include "transfer/TransferResult.h"
 
 #include <vantra/CURLError.h>
 

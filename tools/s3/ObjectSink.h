@@ -2,9 +2,9 @@
 /// What becomes of a download that may be tried several times.
 #pragma once
 
-#include "Output.h"
-#include "RangeArgument.h"
-#include "ResponseSink.h"
+#include "arguments/RangeArgument.h"
+#include "files/Output.h"
+#include "transfer/ResponseSink.h"
 
 #include <vantra/NetRequest.h>
 

@@ -1,11 +1,11 @@
 #include "s3/PutObjectCommand.h"
 
-#include "ArgumentText.h"
+#include "arguments/ArgumentText.h"
+#include "arguments/FileArgument.h"
 #include "Errors.h"
-#include "FileArgument.h"
-#include "Input.h"
-#include "Interrupt.h"
-#include "TransferResult.h"
+#include "files/Input.h"
+#include "transfer/Interrupt.h"
+#include "transfer/TransferResult.h"
 
 #include <kel/Buffer.h>
 

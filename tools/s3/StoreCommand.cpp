@@ -1,12 +1,12 @@
 #include "s3/StoreCommand.h"
 
-#include "ArgumentText.h"
+#include "arguments/ArgumentText.h"
+#include "arguments/FileArgument.h"
+#include "arguments/RefusedSecret.h"
 #include "Errors.h"
-#include "FileArgument.h"
-#include "PasswordFile.h"
-#include "RefusedSecret.h"
-#include "TransferFailure.h"
-#include "TransferMonitor.h"
+#include "options/PasswordFile.h"
+#include "transfer/TransferFailure.h"
+#include "transfer/TransferMonitor.h"
 
 #include <vantra/S3Error.h>
 

@@ -2,9 +2,9 @@
 /// What the verbs for object stores have in common.
 #pragma once
 
-#include "ConnectionOptions.h"
-#include "LogOption.h"
-#include "ProgressDisplay.h"
+#include "display/ProgressDisplay.h"
+#include "options/ConnectionOptions.h"
+#include "options/LogOption.h"
 #include "s3/ObjectArgument.h"
 #include "Verb.h"
 

@@ -1,4 +1,4 @@
-#include "Interrupt.h"
+#include "transfer/Interrupt.h"
 
 #include "Errors.h"
 

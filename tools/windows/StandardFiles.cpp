@@ -1,6 +1,6 @@
-#include "StandardFiles.h"
+#include "files/StandardFiles.h"
 
-#include "Interrupt.h"
+#include "transfer/Interrupt.h"
 
 #include <kel/String.h>
 

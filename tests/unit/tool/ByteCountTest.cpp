@@ -1,4 +1,4 @@
-#include "ByteCount.h"
+#include "display/ByteCount.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "HiddenPassword.h"
+#include "arguments/HiddenPassword.h"
 
 #include <gtest/gtest.h>
 

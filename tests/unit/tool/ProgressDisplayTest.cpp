@@ -1,5 +1,5 @@
-#include "ProgressDisplay.h"
-#include "TerminalText.h"
+#include "display/ProgressDisplay.h"
+#include "display/TerminalText.h"
 
 #include <gtest/gtest.h>
 

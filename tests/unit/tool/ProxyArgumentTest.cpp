@@ -1,4 +1,4 @@
-#include "ProxyArgument.h"
+#include "arguments/ProxyArgument.h"
 #include "Errors.h"
 
 #include <gtest/gtest.h>

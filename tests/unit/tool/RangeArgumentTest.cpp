@@ -1,4 +1,4 @@
-#include "RangeArgument.h"
+#include "arguments/RangeArgument.h"
 #include "Errors.h"
 
 #include <gtest/gtest.h>
