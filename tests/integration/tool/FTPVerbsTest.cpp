@@ -115,8 +115,9 @@ TEST_P(ToolFtp, FailsToStoreWithoutPermissionOrWithoutAFile) {
     const std::string file = local_.writeFile("file", "content");
     EXPECT_EQ(runFtp({"put", serverUrl("/readonly/new"), file}).exitStatus, 1);
     EXPECT_THAT(namesInServerFolder(server().file("/readonly")), ElementsAre("kept.txt"));
-    EXPECT_EQ(runFtp({"put", url("/f"), local_.file("none")}),
-              failed("Error opening file '" + shown(local_.file("none")) + "': No such file or directory."));
+    EXPECT_EQ(
+        runFtp({"put", url("/f"), local_.file("none")}),
+        failed("Error opening file '" + nativeName(local_.file("none")) + "': No such file or directory."));
 }
 
 TEST_P(ToolFtp, CreatesAndRemovesDirectories) {

@@ -45,8 +45,9 @@ TEST(ToolFileName, MayHaveAnyLettersInTheFolderOfManyDownloads) {
 
 TEST(ToolFileName, MayHaveAnyLettersInAnErrorMessage) {
     const TempDir folder;
-    EXPECT_EQ(runTool({"put", "-f", folder.file(name), "http://127.0.0.1:1/"}),
-              failed("Error opening file '" + shown(folder.file(name)) + "': No such file or directory."));
+    EXPECT_EQ(
+        runTool({"put", "-f", folder.file(name), "http://127.0.0.1:1/"}),
+        failed("Error opening file '" + nativeName(folder.file(name)) + "': No such file or directory."));
 }
 
 TEST(ToolFileName, MayHaveAnyLettersInAnAttachment) {

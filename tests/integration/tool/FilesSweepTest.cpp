@@ -21,7 +21,7 @@ void expectFailuresOver(const std::string& name, const std::vector<std::string>&
             const std::string what = verb.name() + " " + option.name;
             expectCleanFailure(outcome, what);
             EXPECT_EQ(outcome.exitStatus, 1) << what;
-            EXPECT_THAT(outcome.error, HasSubstr("'" + shown(name))) << what;
+            EXPECT_THAT(outcome.error, HasSubstr("'" + nativeName(name))) << what;
         }
     });
 }

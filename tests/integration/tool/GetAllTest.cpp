@@ -200,9 +200,9 @@ TEST(ToolGetAll, RefusesArgumentsThatAreNone) {
                   refused("--parallel: '" + std::string(count) + "' is not a number from 1 to 200"));
     EXPECT_EQ(runTool({"get-all", url, "-d", ""}), refused("--directory: must not be empty"));
     EXPECT_EQ(runTool({"get-all", url, "-d", folder.file("missing")}),
-              failed("Error creating a file in folder '" + shown(folder.file("missing")) +
+              failed("Error creating a file in folder '" + nativeName(folder.file("missing")) +
                      "': No such file or directory."));
-    EXPECT_EQ(
-        runTool({"get-all", url, "-d", folder.writeFile("file", "")}),
-        failed("Error creating a file in folder '" + shown(folder.file("file")) + "': Not a directory."));
+    EXPECT_EQ(runTool({"get-all", url, "-d", folder.writeFile("file", "")}),
+              failed("Error creating a file in folder '" + nativeName(folder.file("file")) +
+                     "': Not a directory."));
 }

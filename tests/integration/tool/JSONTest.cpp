@@ -45,7 +45,7 @@ Outcome runJSON(std::vector<std::string> arguments, std::string_view standardInp
 
 /// A file's path as the program shows it, in a text of JSON.
 std::string shownInJSON(const std::string& path) {
-    return std::regex_replace(shown(path), std::regex("\\\\"), "\\\\");
+    return std::regex_replace(nativeName(path), std::regex("\\\\"), "\\\\");
 }
 
 std::string size(const std::string& text) { return std::to_string(text.size()); }

@@ -77,7 +77,7 @@ TEST(ToolLog, IsRefusedBeforeTheTransferWhenItCannotBeMade) {
     ScriptedServer server; // would note a connection as an error
     TempDir folder;
     EXPECT_EQ(runTool({"get", "--log", folder.file("missing/log"), server.url()}),
-              failed("Error creating file '" + shown(folder.file("missing/log")) +
+              failed("Error creating file '" + nativeName(folder.file("missing/log")) +
                      "': No such file or directory."));
     EXPECT_EQ(runTool({"get", "--log", "-", server.url()}), refused("--log: must name a file"));
     EXPECT_EQ(runTool({"get", "--log", "", server.url()}), refused("--log: must not be empty"));

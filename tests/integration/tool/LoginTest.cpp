@@ -99,7 +99,7 @@ TEST(ToolLogin, RefusesAPasswordFileThatHoldsNone) {
         return runTool({"get", "--user", "u", "--password-file", folder.writeFile("password", content),
                         "http://127.0.0.1:1/"});
     };
-    const std::string name = "'" + shown(folder.file("password")) + "'";
+    const std::string name = "'" + nativeName(folder.file("password")) + "'";
     EXPECT_EQ(run("p\nq\n"),
               failed("The password in " + name + " contains line breaks or other control characters."));
     EXPECT_EQ(run(std::string_view("p\0q", 3)),
@@ -116,7 +116,7 @@ TEST(ToolLogin, NamesAPasswordFileThatCannotBeRead) {
     TempDir folder;
     const std::string missing = folder.file("missing");
     EXPECT_EQ(runTool({"get", "--user", "u", "--password-file", missing, "http://127.0.0.1:1/"}),
-              failed("Error opening file '" + shown(missing) + "': No such file or directory."));
+              failed("Error opening file '" + nativeName(missing) + "': No such file or directory."));
 }
 
 TEST(ToolLogin, TakesALongPassword) {
@@ -149,7 +149,7 @@ TEST(ToolLogin, NeverShowsALineOfAHeaderFile) {
     const auto run = [&](std::string_view content) {
         return runTool({"get", "--header-file", folder.writeFile("headers", content), "http://127.0.0.1:1/"});
     };
-    const std::string name = "'" + shown(folder.file("headers")) + "'";
+    const std::string name = "'" + nativeName(folder.file("headers")) + "'";
     for (const char* content : {"\nsecret", "\n: secret", "\nA: secret\x1B", "\nA: \xFF"})
         EXPECT_EQ(run(content), failed("Line 2 of " + name + " is not a header as in 'Name: value'."));
     EXPECT_EQ(run(std::string(300000, 'a')),

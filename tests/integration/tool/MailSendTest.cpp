@@ -188,7 +188,7 @@ TEST_F(ToolMail, SendsNothingOfWhatItCannotRead) {
     const std::string text = file("text", "x\n");
     const std::string missing = folder_.file("missing");
     const Outcome noSuchFile =
-        failed("Error opening file '" + shown(missing) + "': No such file or directory.");
+        failed("Error opening file '" + nativeName(missing) + "': No such file or directory.");
     EXPECT_EQ(sendMail({"--text", missing}), noSuchFile);
     EXPECT_EQ(sendMail({"--html", missing}), noSuchFile);
     EXPECT_EQ(sendMail({"--text", text, "--attach", text, missing}), noSuchFile);
@@ -197,7 +197,7 @@ TEST_F(ToolMail, SendsNothingOfWhatItCannotRead) {
     const std::string latin1 = file("latin1", "Gr\xFC\xDF"
                                               "e");
     EXPECT_EQ(sendMail({"--text", latin1}),
-              failed("The text in '" + shown(latin1) + "' is not valid UTF-8."));
+              failed("The text in '" + nativeName(latin1) + "' is not valid UTF-8."));
     EXPECT_EQ(sendMail({"--html", "-"}, "\xFF"), failed("The text in standard input is not valid UTF-8."));
     EXPECT_THAT(mailServer().takeMails(), IsEmpty());
 }

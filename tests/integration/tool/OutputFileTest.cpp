@@ -127,10 +127,10 @@ TEST(ToolOutputFile, IsRefusedBeforeTheTransferWhenItCannotBeMade) {
     ScriptedServer server; // would note a connection as an error
     TempDir folder;
     EXPECT_EQ(runTool({"get", "-o", folder.file("missing/out"), server.url()}),
-              failed("Error creating file '" + shown(folder.file("missing/out")) +
+              failed("Error creating file '" + nativeName(folder.file("missing/out")) +
                      "': No such file or directory."));
     EXPECT_EQ(runTool({"get", "-o", folder.path(), server.url()}),
-              failed("Error creating file '" + shown(folder.path()) + "': Is a directory."));
+              failed("Error creating file '" + nativeName(folder.path()) + "': Is a directory."));
     EXPECT_THAT(server.finish(), IsEmpty());
     EXPECT_THAT(filesIn(folder.path()), IsEmpty());
 }
@@ -141,7 +141,7 @@ TEST(ToolOutputFile, WhoseNameIsTooLongIsRefusedBeforeTheTransfer) {
     const std::string file = folder.file(std::string(300, 'a'));
     const std::string reason = std::make_error_code(std::errc::filename_too_long).message();
     EXPECT_EQ(runTool({"get", "-o", file, server.url()}),
-              failed("Error creating file '" + shown(file) + "': " + reason + "."));
+              failed("Error creating file '" + nativeName(file) + "': " + reason + "."));
     EXPECT_THAT(filesIn(folder.path()), IsEmpty());
     EXPECT_THAT(server.finish(), IsEmpty());
 }

@@ -97,9 +97,9 @@ TEST(ToolS3Failure, OfAFileThatCannotBeReadComesAheadOfAnyRequest) {
     const RefusedPort port;
     const std::string endpoint = "http://127.0.0.1:" + std::to_string(port.port());
     EXPECT_EQ(runS3At(endpoint, {"put", "s3://bucket/k", "-f", "/no/such/file"}),
-              failed("Error opening file '" + shown("/no/such/file") + "': No such file or directory."));
+              failed("Error opening file '" + nativeName("/no/such/file") + "': No such file or directory."));
     EXPECT_EQ(runTool({"s3", "ls", "s3://bucket", "--access-key", "a", "--secret-key-file", "/no/such/file"}),
-              failed("Error opening file '" + shown("/no/such/file") + "': No such file or directory."));
+              failed("Error opening file '" + nativeName("/no/such/file") + "': No such file or directory."));
 }
 
 TEST(ToolS3Failure, ThatMayPassIsTriedAgain) {

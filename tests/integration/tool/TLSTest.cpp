@@ -53,9 +53,9 @@ TEST(ToolTLS, NamesACAFileThatCannotBeRead) {
     const std::string missing = folder.file("missing.pem");
     const std::string url = "https://localhost:1/";
     EXPECT_EQ(runTool({"get", "--cacert", missing, url}),
-              failed("Error opening file '" + shown(missing) + "': No such file or directory."));
+              failed("Error opening file '" + nativeName(missing) + "': No such file or directory."));
     EXPECT_EQ(runTool({"get", "--cacert", folder.path(), url}),
-              failed("Error opening file '" + shown(folder.path()) + "': Is a directory."));
+              failed("Error opening file '" + nativeName(folder.path()) + "': Is a directory."));
 }
 
 TEST(ToolTLS, RefusesACAFileWithoutCertificates) {
@@ -67,5 +67,5 @@ TEST(ToolTLS, RefusesACAFileWithoutCertificates) {
               failed(url +
                      ": Problem with the SSL CA cert (path? access rights?): error setting certificate "
                      "file: " +
-                     shown(file)));
+                     nativeName(file)));
 }

@@ -75,8 +75,6 @@ testsupport::NginxServer& webServer() {
     return server;
 }
 
-std::string shown(const std::string& path) { return testsupport::nativeName(path); }
-
 std::vector<std::string> filesIn(const std::string& folder) {
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(testsupport::pathOf(folder)))

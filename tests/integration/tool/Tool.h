@@ -2,6 +2,7 @@
 #pragma once
 
 #include "support/Command.h"
+#include "support/FilePath.h"
 #include "support/NginxServer.h"
 #include "support/Outcome.h"
 
@@ -11,6 +12,7 @@
 
 namespace tooltest {
 
+using testsupport::nativeName;
 using testsupport::Outcome;
 
 /// Exit status 0, the bytes on standard output, nothing on standard error.
@@ -43,9 +45,6 @@ std::string withoutRootsRights();
 /// The web server that all tests share; it keeps nothing of one test that the next could notice, but its
 /// access log.
 testsupport::NginxServer& webServer();
-
-/// A file's path as the program's messages show it.
-std::string shown(const std::string& path);
 
 /// The names of all files in a folder, hidden ones included, sorted.
 std::vector<std::string> filesIn(const std::string& folder);

@@ -28,11 +28,11 @@ TEST(ToolUploadFile, IsRefusedBeforeTheTransferWhenItCannotBeRead) {
     TempDir folder;
     const std::string output = folder.file("answer");
     for (const char* verb : {"put", "post"}) {
-        EXPECT_EQ(
-            runTool({verb, server.url(), "-o", output, "-f", folder.file("missing")}),
-            failed("Error opening file '" + shown(folder.file("missing")) + "': No such file or directory."));
+        EXPECT_EQ(runTool({verb, server.url(), "-o", output, "-f", folder.file("missing")}),
+                  failed("Error opening file '" + nativeName(folder.file("missing")) +
+                         "': No such file or directory."));
         EXPECT_EQ(runTool({verb, server.url(), "-o", output, "-f", folder.path()}),
-                  failed("Error opening file '" + shown(folder.path()) + "': Is a directory."));
+                  failed("Error opening file '" + nativeName(folder.path()) + "': Is a directory."));
     }
     EXPECT_THAT(filesIn(folder.path()), IsEmpty());
     EXPECT_THAT(server.finish(), IsEmpty());
@@ -54,7 +54,7 @@ TEST(ToolUploadFile, ThatBecomesShorterWhileItIsSentIsAnError) {
     latch->release();
     ASSERT_TRUE(waitUntil([&] { return !tool.isRunning(); }, waitLimit));
     EXPECT_EQ(tool.stop(), 1);
-    EXPECT_EQ(tool.output(), "vantra: Error reading file '" + shown(folder.file("body")) +
+    EXPECT_EQ(tool.output(), "vantra: Error reading file '" + nativeName(folder.file("body")) +
                                  "': it became shorter while it was read.\n");
     EXPECT_THAT(filesIn(folder.path()), ElementsAre("body"));
 }

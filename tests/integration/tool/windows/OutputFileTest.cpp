@@ -35,9 +35,9 @@ TEST(ToolOutputFile, WithForbiddenCharactersInItsNameIsRefusedBeforeTheTransfer)
     for (const char* name : {"a?b", "a*b", "a:b", "a|b", "a\"b", "<a>"}) {
         const std::string file = folder.file(name);
         EXPECT_EQ(runTool({"get", "-o", file, server.url()}),
-                  failed("Error creating file '" + shown(file) + "': Invalid argument."));
+                  failed("Error creating file '" + nativeName(file) + "': Invalid argument."));
         EXPECT_EQ(runTool({"get", "--log", file, server.url()}),
-                  failed("Error creating file '" + shown(file) + "': Invalid argument."));
+                  failed("Error creating file '" + nativeName(file) + "': Invalid argument."));
     }
     EXPECT_THAT(filesIn(folder.path()), IsEmpty());
     EXPECT_THAT(server.finish(), IsEmpty());
