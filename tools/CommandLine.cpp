@@ -2,8 +2,8 @@
 
 #include "display/TerminalText.h"
 #include "files/Output.h"
+#include "Interrupt.h"
 #include "LogHandler.h"
-#include "transfer/Interrupt.h"
 
 #include <vantra/GlobalInit.h>
 #include <vantra/Version.h>

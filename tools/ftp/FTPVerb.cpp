@@ -4,7 +4,7 @@
 #include "ftp/FTPChangeVerbs.h"
 #include "ftp/FTPListVerbs.h"
 #include "ftp/FTPTransferVerbs.h"
-#include "transfer/Interrupt.h"
+#include "Interrupt.h"
 #include "transfer/TransferFailure.h"
 
 #include <CLI/CLI.hpp>

@@ -2,7 +2,7 @@
 
 #include "arguments/HiddenPassword.h"
 #include "display/TerminalText.h"
-#include "transfer/Interrupt.h"
+#include "Interrupt.h"
 
 namespace vantra::tool {
 

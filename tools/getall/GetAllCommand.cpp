@@ -5,7 +5,7 @@
 #include "DownloadQueue.h"
 #include "Errors.h"
 #include "files/Output.h"
-#include "transfer/Interrupt.h"
+#include "Interrupt.h"
 
 #include <CLI/CLI.hpp>
 

@@ -1,6 +1,6 @@
 #include "http/GetCommand.h"
 
-#include "transfer/Interrupt.h"
+#include "Interrupt.h"
 #include "transfer/Transfer.h"
 
 #include <CLI/CLI.hpp>

@@ -4,7 +4,7 @@
 #include "arguments/FileArgument.h"
 #include "Errors.h"
 #include "files/Input.h"
-#include "transfer/Interrupt.h"
+#include "Interrupt.h"
 #include "transfer/Transfer.h"
 
 #include <CLI/CLI.hpp>

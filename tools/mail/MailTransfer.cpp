@@ -1,6 +1,6 @@
 #include "mail/MailTransfer.h"
 
-#include "transfer/Interrupt.h"
+#include "Interrupt.h"
 #include "transfer/TransferFailure.h"
 #include "transfer/TransferMonitor.h"
 

@@ -1,4 +1,4 @@
-#include "transfer/Interrupt.h"
+#include "Interrupt.h"
 
 #include "Errors.h"
 

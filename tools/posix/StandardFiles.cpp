@@ -1,6 +1,6 @@
 #include "files/StandardFiles.h"
 
-#include "transfer/Interrupt.h"
+#include "Interrupt.h"
 
 #include <cerrno>
 #include <csignal>

@@ -1,7 +1,7 @@
 #include "s3/GetObjectCommand.h"
 
+#include "Interrupt.h"
 #include "s3/ObjectSink.h"
-#include "transfer/Interrupt.h"
 #include "transfer/TransferResult.h"
 
 #include <CLI/CLI.hpp>

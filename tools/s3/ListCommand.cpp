@@ -3,7 +3,7 @@
 #include "arguments/ArgumentText.h"
 #include "display/TerminalText.h"
 #include "Errors.h"
-#include "transfer/Interrupt.h"
+#include "Interrupt.h"
 
 #include <CLI/CLI.hpp>
 

@@ -3,7 +3,7 @@
 #include "display/TerminalText.h"
 #include "Errors.h"
 #include "files/Output.h"
-#include "transfer/Interrupt.h"
+#include "Interrupt.h"
 #include "transfer/TransferResult.h"
 
 #include <vantra/CURLError.h>

@@ -1,6 +1,6 @@
 #include "transfer/TransferMonitor.h"
 
-#include "transfer/Interrupt.h"
+#include "Interrupt.h"
 
 namespace vantra::tool {
 
