@@ -26,7 +26,7 @@ bench=(libbenchmark-dev nginx-light openssl proftpd-core proftpd-mod-crypto)
 check=(git python3 clang clang-tidy clang-format libclang-rt-14-dev shellcheck util-linux doxygen abigail-tools)
 debs=(dpkg-dev debootstrap lintian util-linux)
 coverage=(gcovr)
-windows=(g++-mingw-w64-x86-64-posix wine64 dpkg-dev perl make googletest ca-certificates unzip)
+windows=(g++-mingw-w64-x86-64-posix wine64 tmux dpkg-dev perl make googletest ca-certificates unzip)
 
 packages=()
 for group in "${@:-all}"; do

@@ -1,6 +1,7 @@
 #include "files/StandardFiles.h"
 
 #include "Interrupt.h"
+#include "windows/ConsoleInput.h"
 
 #include <kel/String.h>
 
@@ -31,7 +32,6 @@ struct LocalDeleter {
 
 int writeAll(int descriptor, std::string_view bytes) noexcept {
     while (!bytes.empty()) {
-        if (isInterrupted()) return EINTR;
         const auto length = static_cast<unsigned int>(std::min<std::size_t>(bytes.size(), INT_MAX));
         const int written = ::_write(descriptor, bytes.data(), length);
         // The runtime tells of a pipe without a reader by EINVAL.
@@ -80,15 +80,18 @@ void prepareStandardFiles() noexcept {
 int readStandardInput(void* buffer, std::size_t maxLength, std::size_t& count) noexcept {
     if (isInterrupted()) return EINTR;
     const HANDLE input = ::GetStdHandle(STD_INPUT_HANDLE);
+    if (isConsole(input)) return readConsole(input, static_cast<char*>(buffer), maxLength, count);
     if (::GetFileType(input) == FILE_TYPE_PIPE && !waitForPipe(input)) return EINTR;
     const auto length = static_cast<unsigned int>(std::min<std::size_t>(maxLength, INT_MAX));
     const int got = ::_read(standardInput, buffer, length);
     if (got < 0) return errno;
     count = static_cast<std::size_t>(got);
-    return isInterrupted() ? EINTR : 0; // Ctrl-C ends the read of a console with nothing
+    return 0;
 }
 
-int writeStandardOutput(std::string_view bytes) noexcept { return writeAll(standardOutput, bytes); }
+int writeStandardOutput(std::string_view bytes) noexcept {
+    return isInterrupted() ? EINTR : writeAll(standardOutput, bytes);
+}
 
 void writeStandardError(std::string_view bytes) noexcept { (void)writeAll(standardError, bytes); }
 
