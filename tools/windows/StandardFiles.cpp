@@ -1,7 +1,7 @@
 #include "files/StandardFiles.h"
 
 #include "Interrupt.h"
-#include "windows/ConsoleInput.h"
+#include "windows/Console.h"
 
 #include <kel/String.h>
 

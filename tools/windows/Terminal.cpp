@@ -1,5 +1,7 @@
 #include "files/Terminal.h"
 
+#include "windows/Console.h"
+
 #include <windows.h>
 
 namespace vantra::tool {
@@ -12,10 +14,7 @@ bool isStandardErrorTerminal() noexcept {
            ::SetConsoleMode(file, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
 }
 
-bool isStandardOutputTerminal() noexcept {
-    DWORD mode = 0;
-    return ::GetConsoleMode(::GetStdHandle(STD_OUTPUT_HANDLE), &mode) != 0;
-}
+bool isStandardOutputTerminal() noexcept { return isConsole(::GetStdHandle(STD_OUTPUT_HANDLE)); }
 
 TerminalSize getStandardErrorSize() noexcept {
     CONSOLE_SCREEN_BUFFER_INFO info{};

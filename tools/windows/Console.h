@@ -1,5 +1,5 @@
-/// @file ConsoleInput.h
-/// What a user types on a console of Windows.
+/// @file Console.h
+/// A console of Windows, and what a user types on it.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,7 @@
 
 namespace vantra::tool {
 
-/// Whether a handle is that of a console's input.
+/// Whether a file is a console, for input or output.
 [[nodiscard]] bool isConsole(HANDLE file) noexcept;
 
 /// Reads what the user types, as UTF-8, whatever the console's code page; waits for a line. Ctrl-Z at the

@@ -1,4 +1,4 @@
-#include "windows/ConsoleInput.h"
+#include "windows/Console.h"
 
 #include "Interrupt.h"
 
@@ -27,8 +27,6 @@ Typed& typed() noexcept {
     return instance;
 }
 
-bool isHighSurrogate(wchar_t unit) noexcept { return unit >= 0xd800 && unit < 0xdc00; }
-
 /// Ctrl-C ends a read, and a thread of the system's notes it, in whichever order.
 int waitForInterrupt() noexcept {
     constexpr int attempts = 100;
@@ -41,7 +39,7 @@ int waitForInterrupt() noexcept {
 bool readUnits(HANDLE console, std::array<wchar_t, maxUnits>& units, DWORD& length) noexcept {
     if (::ReadConsoleW(console, units.data(), maxUnits - 1, &length, nullptr) == 0) return false;
     DWORD second = 0;
-    if (length == 0 || !isHighSurrogate(units.at(length - 1))) return true;
+    if (length == 0 || !IS_HIGH_SURROGATE(units.at(length - 1))) return true;
     if (::ReadConsoleW(console, &units.at(length), 1, &second, nullptr) == 0) return false;
     length += second;
     return true;
